@@ -1,0 +1,7 @@
+#include "JobState.h"
+
+JobState &JobState::instance()
+{
+    static JobState state;
+    return state;
+}
