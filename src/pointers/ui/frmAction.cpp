@@ -1,0 +1,306 @@
+#include "frmAction.h"
+
+#include "HTMLMake.h"
+#include "JobState.h"
+#include "JobUi.h"
+
+#include <QEventLoop>
+#include <QFont>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QTimer>
+#include <QUrl>
+#include <QVBoxLayout>
+
+namespace {
+
+const int BodyMaxLength = 200;
+const int LabelMaxLength = 50;
+const int LongPointer = 75;
+const QChar VerticalTab(11);
+
+QString trimBlanks(const QString &text)
+{
+    qsizetype first = 0;
+    qsizetype last = text.size();
+    while (first < last && text.at(first) == QLatin1Char(' '))
+        ++first;
+    while (last > first && text.at(last - 1) == QLatin1Char(' '))
+        --last;
+    return text.mid(first, last - first);
+}
+
+QPushButton *actionButton(const QString &name, const QString &caption, QWidget *parent)
+{
+    auto *button = new QPushButton(caption, parent);
+    button->setObjectName(name);
+    button->setMinimumHeight(34);
+    return button;
+}
+
+QLabel *namedLabel(const QString &name, const QString &text, QWidget *parent)
+{
+    auto *label = new QLabel(text, parent);
+    label->setObjectName(name);
+    return label;
+}
+
+QUrl pointerUrl(const QString &pointer)
+{
+    if (IsLocalPointer(pointer))
+        return QUrl::fromLocalFile(pointer);
+    QUrl url(pointer, QUrl::TolerantMode);
+    if (url.scheme().isEmpty())
+        url = QUrl::fromUserInput(pointer);
+    return url;
+}
+
+} // namespace
+
+frmAction::frmAction(JobUi &ui, JobState &state, QWidget *parent)
+    : QDialog(parent), m_ui(ui), m_state(state)
+{
+    setObjectName(QStringLiteral("frmAction"));
+    setWindowTitle(QStringLiteral("Take an action..."));
+    setModal(false);
+
+    auto *menuBar = new QMenuBar(this);
+    auto *helpMenu = menuBar->addMenu(QStringLiteral("&Help"));
+    helpMenu->setObjectName(QStringLiteral("HelpMenu"));
+    QAction *helpAction = helpMenu->addAction(QStringLiteral("Take an Action Help"));
+    helpAction->setObjectName(QStringLiteral("HelpActionMenu"));
+    helpAction->setShortcut(QKeySequence::HelpContents);
+    connect(helpAction, &QAction::triggered, this, &frmAction::helpRequested);
+
+    auto *label3 = namedLabel(
+        QStringLiteral("Label3"),
+        QStringLiteral("The Web page pointer is copied to the clipboard. You can paste it in an "
+                       "email message  (Ctrl+v) as a hyperlink. This works best if your email "
+                       "format is HTML."),
+        this);
+    label3->setWordWrap(true);
+
+    m_pointerText = new QLineEdit(CurrentPointer(), this);
+    m_pointerText->setObjectName(QStringLiteral("PointerText"));
+    m_pointerText->setReadOnly(true);
+    m_pointerText->setCursorPosition(0);
+
+    auto *copyButton =
+        actionButton(QStringLiteral("CopyPointerToClipButton"),
+                     QStringLiteral("Copy the Pointer to the clipboard as a link"), this);
+    auto *mailButton = actionButton(QStringLiteral("SendEmail"),
+                                    QStringLiteral("Send This Pointer in an Email "), this);
+    auto *viewButton =
+        actionButton(QStringLiteral("ViewButton"), QStringLiteral("View The Web Page"), this);
+
+    m_subject = new QLineEdit(QStringLiteral("See the link to my page"), this);
+    m_subject->setObjectName(QStringLiteral("txtSubject"));
+    m_body =
+        new QPlainTextEdit(QStringLiteral("Select the pointer below to view the page..."), this);
+    m_body->setObjectName(QStringLiteral("txtBody"));
+    m_body->setTabChangesFocus(true);
+    m_body->setFixedHeight(m_body->fontMetrics().lineSpacing() * 4 + 12);
+    connect(m_body, &QPlainTextEdit::textChanged, this, &frmAction::limitBody);
+
+    auto *mailBox = new QGridLayout;
+    mailBox->addWidget(
+        namedLabel(QStringLiteral("lblSubject"), QStringLiteral("Subject for email"), this), 0, 0);
+    mailBox->addWidget(m_subject, 1, 0);
+    mailBox->addWidget(namedLabel(QStringLiteral("lblBody"),
+                                  QStringLiteral("Text message (max 200 Characters)"), this),
+                       2, 0);
+    mailBox->addWidget(m_body, 3, 0);
+
+    auto *helpButton = new QPushButton(QStringLiteral("Help"), this);
+    helpButton->setObjectName(QStringLiteral("HelpButton"));
+    auto *closeButton = new QPushButton(QStringLiteral("Back to Previous"), this);
+    closeButton->setObjectName(QStringLiteral("CloseButton"));
+    auto *bottom = new QHBoxLayout;
+    bottom->addWidget(helpButton);
+    bottom->addStretch(1);
+    bottom->addWidget(closeButton);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setMenuBar(menuBar);
+    layout->addWidget(label3);
+    layout->addWidget(m_pointerText);
+    layout->addSpacing(6);
+    layout->addWidget(copyButton);
+    layout->addSpacing(6);
+    layout->addLayout(mailBox);
+    layout->addWidget(mailButton);
+    layout->addSpacing(6);
+    layout->addWidget(viewButton);
+    layout->addSpacing(6);
+    layout->addLayout(bottom);
+    setMinimumWidth(440);
+
+    m_timer = new QTimer(this);
+    m_timer->setObjectName(QStringLiteral("Timer1"));
+    m_timer->setSingleShot(true);
+    m_timer->setInterval(100);
+    connect(m_timer, &QTimer::timeout, this, &frmAction::Timer1_Timer);
+
+    connect(copyButton, &QPushButton::clicked, this, &frmAction::CopyPointerToClipButton_Click);
+    connect(mailButton, &QPushButton::clicked, this, &frmAction::SendEmail_Click);
+    connect(viewButton, &QPushButton::clicked, this, &frmAction::ViewButton_Click);
+    connect(helpButton, &QPushButton::clicked, this, &frmAction::helpRequested);
+    connect(closeButton, &QPushButton::clicked, this, &QWidget::hide);
+    closeButton->setDefault(false);
+    closeButton->setAutoDefault(false);
+    copyButton->setAutoDefault(false);
+    mailButton->setAutoDefault(false);
+    viewButton->setAutoDefault(false);
+}
+
+void frmAction::ShowAndWait(JobUi &ui, JobState &state, QWidget *parent,
+                            const std::function<void()> &help)
+{
+    QPointer<frmAction> window = new frmAction(ui, state, parent);
+    if (help)
+        connect(window, &frmAction::helpRequested, window, help);
+    QEventLoop loop;
+    connect(window, &frmAction::hidden, &loop, &QEventLoop::quit);
+    connect(window, &QObject::destroyed, &loop, &QEventLoop::quit);
+    window->show();
+    window->raise();
+    window->activateWindow();
+    if (window->isVisible())
+        loop.exec();
+    delete window.data();
+}
+
+void frmAction::Install(QWidget *parent, std::function<void()> help)
+{
+    QPointer<QWidget> owner = parent;
+    SetTakeActionHandler([owner, help = std::move(help)](JobUi &ui, JobState &state) {
+        ShowAndWait(ui, state, owner.data(), help);
+    });
+}
+
+QString frmAction::MailtoText(const QString &subject, const QString &body, const QString &pointer)
+{
+    const QString subjectPart =
+        subject.isEmpty() ? QString() : QStringLiteral("&Subject=") + subject;
+
+    QString walked = body + VerticalTab + VerticalTab + pointer;
+    // One pass with the bound fixed at the first length: CR becomes code 11, LF goes, and the
+    // character that slides into a removed LF's place is not looked at again.
+    const qsizetype bound = walked.size();
+    for (qsizetype i = 0; i < bound; ++i) {
+        if (i >= walked.size())
+            break;
+        if (walked.at(i) == QLatin1Char('\r'))
+            walked[i] = VerticalTab;
+        else if (walked.at(i) == QLatin1Char('\n'))
+            walked.remove(i, 1);
+    }
+
+    QString text = QStringLiteral("mailto:") + subjectPart + QStringLiteral("&Body=") + walked;
+    const qsizetype prefix = QStringLiteral("mailto:").size();
+    if (text.size() > prefix) {
+        const qsizetype amp = text.indexOf(QLatin1Char('&'), prefix);
+        if (amp >= 0)
+            text[amp] = QLatin1Char('?');
+    }
+    return text;
+}
+
+void frmAction::hideEvent(QHideEvent *event)
+{
+    QDialog::hideEvent(event);
+    emit hidden();
+}
+
+void frmAction::CopyPointerToClipButton_Click()
+{
+    QString label = AskUser(
+        m_ui, m_state, QStringLiteral("What would you like to see to click on as a pointer?"),
+        QStringLiteral("Click here to follow the pointer"), QStringLiteral("Hide"), LabelMaxLength);
+    if (label == JobState::Blank)
+        label = QStringLiteral("Pointer");
+    if (trimBlanks(label).isEmpty() || label == JobState::Skip)
+        return;
+
+    CurrentPointer() = CompletePointer(CurrentPointer());
+    m_pointerText->setText(CurrentPointer());
+    const QString pointer = CurrentPointer();
+    QString head = PointerLinkHead();
+    QString tail = PointerLinkTail();
+    PutHTMLClipboard(m_ui, PointerLinkFragment(pointer, label), head, tail, pointer);
+
+    m_ui.Message(QStringLiteral("The Web page pointer has been copied to the clipboard. To paste "
+                                "the pointer into an Email message, press CTRL+v."),
+                 QStringLiteral("Pointer complete"));
+    m_timer->start();
+}
+
+void frmAction::SendEmail_Click()
+{
+    m_ui.ProcessEvents();
+    CurrentPointer() = CompletePointer(CurrentPointer());
+    m_pointerText->setText(CurrentPointer());
+    const QString pointer = trimBlanks(CurrentPointer());
+
+    QString body = m_body->toPlainText();
+    body.replace(QLatin1Char('\n'), QStringLiteral("\r\n"));
+    const QString mailto = MailtoText(m_subject->text(), trimBlanks(body), pointer);
+
+    if (CurrentPointer().contains(QStringLiteral("%20")))
+        m_ui.Message(QStringLiteral("Error - Your file name contains spaces that will not transfer "
+                                    "to email correctly. Verify If the pointer in the email is "
+                                    "correct. If not use a <Ctrl V> to replace the implanted "
+                                    "pointer."),
+                     QStringLiteral("Tarnwick"), JobUi::Buttons::Ok, JobUi::Icon::Warning);
+    if (CurrentPointer().size() > LongPointer)
+        m_ui.Message(QStringLiteral("If the pointer in the email is greater than the length of a "
+                                    "line, then pointer can be corrupted with a Carrage Return. "
+                                    "Set your emails to a larger line length. Select the menu item "
+                                    "Tools, Options. Then select the Mail Format tab and the "
+                                    "Settings button."),
+                     QStringLiteral("Tarnwick"), JobUi::Buttons::Ok, JobUi::Icon::Warning);
+
+    if (!m_ui.OpenUrl(QUrl(mailto, QUrl::TolerantMode)))
+        m_ui.Message(QStringLiteral("No application is associated with this file type."),
+                     QStringLiteral("Tarnwick"), JobUi::Buttons::Ok, JobUi::Icon::Warning);
+}
+
+void frmAction::ViewButton_Click()
+{
+    m_ui.ProcessEvents();
+    const QString pointer = trimBlanks(CurrentPointer());
+    if (pointer.isEmpty())
+        return;
+    if (!m_ui.OpenUrl(pointerUrl(pointer)))
+        m_ui.Message(QStringLiteral("No application is associated with this file type."),
+                     QStringLiteral("Tarnwick"), JobUi::Buttons::Ok, JobUi::Icon::Warning);
+}
+
+void frmAction::Timer1_Timer()
+{
+    if (!isVisible())
+        return;
+    raise();
+    activateWindow();
+}
+
+void frmAction::limitBody()
+{
+    const QString text = m_body->toPlainText();
+    if (text.size() <= BodyMaxLength)
+        return;
+    QTextCursor cursor = m_body->textCursor();
+    const int position = std::min(cursor.position(), BodyMaxLength);
+    const QSignalBlocker blocker(m_body);
+    m_body->setPlainText(text.left(BodyMaxLength));
+    cursor = m_body->textCursor();
+    cursor.setPosition(position);
+    m_body->setTextCursor(cursor);
+}
