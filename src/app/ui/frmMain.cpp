@@ -1,7 +1,403 @@
 #include "frmMain.h"
 
-frmMain::frmMain(QWidget *parent) : QMainWindow(parent)
+#include "GuiJobUi.h"
+#include "HelpWindow.h"
+#include "InstructionForm.h"
+#include "JobState.h"
+#include "Settings.h"
+#include "StepRing.h"
+#include "frmInputBox.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QTabBar>
+#include <QTimer>
+#include <QVBoxLayout>
+
+const QColor frmMain::RingGreen = QColor(0x00, 0xFF, 0x00);
+const QColor frmMain::RingYellow = QColor(0xFF, 0xFF, 0x00);
+
+namespace {
+
+const char *const FunctionNames[frmMain::FunctionCount] = {
+    "Send a Photo Page", "Backup Files ",  "Send a File",
+    "Build a Web Log",   "Build a Portal", "FTP Control && Settings"};
+
+} // namespace
+
+frmMain::frmMain(QWidget *parent) : QMainWindow(parent), m_jobUi(std::make_unique<GuiJobUi>(*this))
 {
     setObjectName(QStringLiteral("frmMain"));
-    setWindowTitle(QStringLiteral("Tarnwick - Ready to Connect"));
+    setWindowTitle(QStringLiteral("Tarnwick"));
+    resize(1280, 800);
+    setMinimumSize(960, 640);
+
+    auto *central = new QWidget(this);
+    central->setObjectName(QStringLiteral("MainArea"));
+    auto *layout = new QVBoxLayout(central);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+
+    layout->addWidget(buildStartScreen(), 1);
+
+    m_workArea = new QWidget(central);
+    m_workArea->setObjectName(QStringLiteral("WorkArea"));
+    auto *work = new QVBoxLayout(m_workArea);
+    work->setContentsMargins(12, 10, 12, 12);
+    work->setSpacing(8);
+
+    auto *header = new QHBoxLayout;
+    m_tabStrip = new QTabBar(m_workArea);
+    m_tabStrip->setObjectName(QStringLiteral("TabStrip1"));
+    m_tabStrip->setExpanding(false);
+    m_tabStrip->setDrawBase(false);
+    for (const char *name : FunctionNames)
+        m_tabStrip->addTab(QString::fromLatin1(name).trimmed());
+    connect(m_tabStrip, &QTabBar::tabBarClicked, this, [this](int index) {
+        if (index < 0)
+            return;
+        m_tabStrip->setCurrentIndex(index);
+        TabStrip1_Click();
+    });
+    m_returnButton = new QPushButton(QStringLiteral("Return to Start"), m_workArea);
+    m_returnButton->setObjectName(QStringLiteral("ReturnToStartButton"));
+    connect(m_returnButton, &QPushButton::clicked, this, &frmMain::ReturnToStartButton_Click);
+    header->addWidget(m_tabStrip, 1, Qt::AlignBottom);
+    header->addWidget(m_returnButton);
+    work->addLayout(header);
+
+    for (int i = 0; i < FunctionCount; ++i) {
+        auto *frame = new QFrame(m_workArea);
+        frame->setObjectName(QStringLiteral("TabFrame_%1").arg(i));
+        frame->setFrameShape(QFrame::StyledPanel);
+        auto *inner = new QVBoxLayout(frame);
+        inner->setContentsMargins(12, 12, 12, 12);
+        frame->hide();
+        work->addWidget(frame, 1);
+        m_tabFrames[static_cast<size_t>(i)] = frame;
+    }
+    layout->addWidget(m_workArea, 1);
+    m_workArea->installEventFilter(this);
+    setCentralWidget(central);
+
+    central->installEventFilter(this);
+    buildProgressFrame();
+    for (int i = 0; i < RingCount; ++i) {
+        auto *ring = new StepRing(m_workArea);
+        ring->setObjectName(QStringLiteral("Shape1_%1").arg(i));
+        m_rings[static_cast<size_t>(i)] = ring;
+    }
+
+    buildSettingsFields();
+    buildMenus();
+
+    m_text2 = new QLabel(this);
+    m_text2->setObjectName(QStringLiteral("Text2"));
+    statusBar()->addPermanentWidget(m_text2);
+    statusBar()->setSizeGripEnabled(true);
+
+    m_timer1 = new QTimer(this);
+    m_timer1->setObjectName(QStringLiteral("Timer1"));
+    m_timer1->setInterval(3000);
+    connect(m_timer1, &QTimer::timeout, this, &frmMain::refreshDrives);
+    m_timer2 = new QTimer(this);
+    m_timer2->setObjectName(QStringLiteral("Timer2"));
+    m_timer2->setInterval(40);
+    connect(m_timer2, &QTimer::timeout, this, &frmMain::Timer2_Timer);
+    m_timer3 = new QTimer(this);
+    m_timer3->setObjectName(QStringLiteral("Timer3"));
+    m_timer3->setInterval(1000);
+    connect(m_timer3, &QTimer::timeout, this, &frmMain::refreshUploadPath);
+    m_timer4 = new QTimer(this);
+    m_timer4->setObjectName(QStringLiteral("Timer4"));
+    m_timer4->setInterval(100);
+    connect(m_timer4, &QTimer::timeout, this, [this] { ++m_tickCount; });
+
+    m_help = new HelpWindow(this);
+    qApp->installEventFilter(this);
+    m_workArea->hide();
+    PositionThings();
+}
+
+frmMain::~frmMain()
+{
+    if (qApp)
+        qApp->removeEventFilter(this);
+}
+
+QWidget *frmMain::buildProgressFrame()
+{
+    // Put over the work frames during a job, so their buttons can't be reached while the menus
+    // stay live.
+    m_progressFrame = new QFrame(centralWidget());
+    m_progressFrame->setObjectName(QStringLiteral("ProgressFrame"));
+    m_progressFrame->setAutoFillBackground(true);
+    QPalette shade = m_progressFrame->palette();
+    shade.setColor(QPalette::Window, QColor(245, 246, 248, 235));
+    m_progressFrame->setPalette(shade);
+
+    auto *card = new QFrame(m_progressFrame);
+    card->setObjectName(QStringLiteral("ProgressCard"));
+    card->setFrameShape(QFrame::StyledPanel);
+    card->setAutoFillBackground(true);
+    QPalette cardPalette = card->palette();
+    cardPalette.setColor(QPalette::Window, Qt::white);
+    card->setPalette(cardPalette);
+    card->setMinimumWidth(560);
+    card->setMaximumWidth(720);
+
+    m_statusText = new QLabel(card);
+    m_statusText->setObjectName(QStringLiteral("Status_text"));
+    m_statusText->setWordWrap(true);
+    m_statusText->setTextFormat(Qt::PlainText);
+    QFont statusFont = m_statusText->font();
+    statusFont.setPointSizeF(statusFont.pointSizeF() * 1.25);
+    statusFont.setBold(true);
+    m_statusText->setFont(statusFont);
+    m_stepOf = new QLabel(card);
+    m_stepOf->setObjectName(QStringLiteral("Stepof"));
+    m_stepOf->setWordWrap(true);
+    m_stepOf->setTextFormat(Qt::PlainText);
+    m_progressBar = new QProgressBar(card);
+    m_progressBar->setObjectName(QStringLiteral("ProgressBar1"));
+    m_progressBar->setRange(0, 100);
+    m_progressBar->setValue(0);
+    m_cancelButton = new QPushButton(QStringLiteral("Cancel"), card);
+    m_cancelButton->setObjectName(QStringLiteral("CancelButton"));
+    // The job sees the flag at its next check; the file in flight completes.
+    connect(m_cancelButton, &QPushButton::clicked, this,
+            [] { JobState::instance().UploadCancelled = true; });
+
+    auto *cardLayout = new QVBoxLayout(card);
+    cardLayout->setContentsMargins(24, 20, 24, 20);
+    cardLayout->setSpacing(10);
+    cardLayout->addWidget(m_statusText);
+    cardLayout->addWidget(m_stepOf);
+    cardLayout->addWidget(m_progressBar);
+    auto *row = new QHBoxLayout;
+    row->addStretch();
+    row->addWidget(m_cancelButton);
+    cardLayout->addLayout(row);
+
+    auto *outer = new QVBoxLayout(m_progressFrame);
+    outer->addStretch();
+    outer->addWidget(card, 0, Qt::AlignHCenter);
+    outer->addStretch(2);
+    m_progressFrame->hide();
+    return m_progressFrame;
+}
+
+void frmMain::buildSettingsFields()
+{
+    // The fields are parked in a hidden holder until the settings tab lays them out.
+    m_fieldHolder = new QWidget(this);
+    m_fieldHolder->setObjectName(QStringLiteral("SettingsFieldHolder"));
+    m_fieldHolder->hide();
+    auto make = [this](const char *name) {
+        auto *edit = new QLineEdit(m_fieldHolder);
+        edit->setObjectName(QString::fromLatin1(name));
+        return edit;
+    };
+    m_txtServer = make("txtServer");
+    m_txtWebSite = make("txtWebSite");
+    m_txtUser = make("txtUser");
+    m_txtPassword = make("txtPassword");
+    m_txtPassword->setEchoMode(QLineEdit::Password);
+    m_txtEmailID = make("txtEmailID");
+    m_txtDefaultAuthor = make("txtDefaultAuthor");
+    m_webRoot = make("WebRoot");
+    m_ftpRoot = make("FTPRoot");
+    m_clientRoot = make("ClientRoot");
+    m_loadSpeed = make("LoadSpeed");
+    m_uploadPath = new QLabel(m_fieldHolder);
+    m_uploadPath->setObjectName(QStringLiteral("UploadPath"));
+    m_uploadPath->setTextInteractionFlags(Qt::TextSelectableByMouse);
+}
+
+void frmMain::buildMenus()
+{
+    QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
+    file->setObjectName(QStringLiteral("FileMenu"));
+    for (int i = 0; i < FunctionCount; ++i) {
+        QAction *action = file->addAction(QString::fromLatin1(FunctionNames[i]).trimmed());
+        action->setObjectName(QStringLiteral("TabMenu_%1").arg(i));
+        action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + i)));
+        connect(action, &QAction::triggered, this, [this, i] { FunctionSelectButton_Click(i); });
+    }
+    file->addSeparator();
+    QAction *exitMenu = file->addAction(QStringLiteral("E&xit"));
+    exitMenu->setObjectName(QStringLiteral("ExitMenu"));
+    exitMenu->setShortcut(QKeySequence::Quit);
+    connect(exitMenu, &QAction::triggered, this, &frmMain::askExit);
+
+    m_optionsMenu = menuBar()->addMenu(QStringLiteral("&Options"));
+    m_optionsMenu->setObjectName(QStringLiteral("OptionsMenu"));
+    m_setupPrompt = m_optionsMenu->addAction(QStringLiteral("&Configuration Settings..."));
+    m_setupPrompt->setObjectName(QStringLiteral("SetupPrompt"));
+    connect(m_setupPrompt, &QAction::triggered, this, &frmMain::PromptForSetup);
+    m_runWithoutMenu = m_optionsMenu->addAction(QStringLiteral("Run Without Connections"));
+    m_runWithoutMenu->setObjectName(QStringLiteral("RunWithoutMenu"));
+    m_runWithoutMenu->setCheckable(true);
+    m_highLightSteps = m_optionsMenu->addAction(QStringLiteral("&Highlight Steps"));
+    m_highLightSteps->setObjectName(QStringLiteral("HighLightSteps"));
+    m_highLightSteps->setCheckable(true);
+    m_highLightSteps->setChecked(true);
+    connect(m_highLightSteps, &QAction::triggered, this, [this](bool on) {
+        if (!on)
+            shapeEvent(333);
+        SaveSetting(QStringLiteral("HighLightSteps"), BoolText(on));
+    });
+    m_optionsMenu->addSeparator();
+    m_spellCheckOn = m_optionsMenu->addAction(QStringLiteral("Spell Check On"));
+    m_spellCheckOn->setObjectName(QStringLiteral("SpellCheckOn"));
+    m_spellCheckOn->setCheckable(true);
+    m_checkSpellingMenu = m_optionsMenu->addAction(QStringLiteral("Check Spelling"));
+    m_checkSpellingMenu->setObjectName(QStringLiteral("CheckSpellingMenu"));
+    m_checkSpellingAllMenu = m_optionsMenu->addAction(QStringLiteral("Check Spelling - All"));
+    m_checkSpellingAllMenu->setObjectName(QStringLiteral("CheckSpellingAllMenu"));
+    m_xpOrBetter = m_optionsMenu->addAction(QStringLiteral("Modern System (NT Family)"));
+    m_xpOrBetter->setObjectName(QStringLiteral("XPorBetter"));
+    m_xpOrBetter->setCheckable(true);
+    connect(m_xpOrBetter, &QAction::triggered, this, [this](bool on) {
+        m_startup.IsNTFamily = on;
+        SaveSetting(QStringLiteral("Bit32"), BoolText(on));
+    });
+
+    QMenu *help = menuBar()->addMenu(QStringLiteral("&Help"));
+    help->setObjectName(QStringLiteral("HelpMenuBar"));
+    QAction *helpMenu = help->addAction(QStringLiteral("Tarnwick &Help"));
+    helpMenu->setObjectName(QStringLiteral("HelpMenu"));
+    helpMenu->setShortcut(QKeySequence(Qt::Key_F1));
+    helpMenu->setShortcutContext(Qt::WidgetShortcut); // F1 itself is handled for every form
+    connect(helpMenu, &QAction::triggered, this, &frmMain::HelpButton_Click);
+    help->addSeparator();
+    for (int i = 0; i < FunctionCount; ++i) {
+        QAction *action = help->addAction(InstructionForm::menuText(i));
+        action->setObjectName(QStringLiteral("InstrMenu_%1").arg(i));
+        connect(action, &QAction::triggered, this, [this, i] { showInstructionForm(i); });
+    }
+    help->addSeparator();
+    QAction *about = help->addAction(QStringLiteral("&About Tarnwick"));
+    about->setObjectName(QStringLiteral("AboutMenu"));
+    connect(about, &QAction::triggered, this, [this] {
+        QMessageBox::about(
+            this, QStringLiteral("About Tarnwick"),
+            QStringLiteral("<h3>Tarnwick %1</h3><p>Pictures, files, backups, a web log and a "
+                           "portal on your own web space.</p><p>%2</p>")
+                .arg(QApplication::applicationVersion().toHtmlEscaped(),
+                     SystemVersionLine().toHtmlEscaped()));
+    });
+}
+
+void frmMain::PositionThings()
+{
+    m_progressFrame->hide();
+    m_progressFrame->setGeometry(centralWidget()->rect());
+    for (StepRing *ring : m_rings)
+        if (ring)
+            ring->follow();
+}
+
+QFrame *frmMain::TabFrame(int index) const
+{
+    if (index < 0 || index >= FunctionCount)
+        return nullptr;
+    return m_tabFrames[static_cast<size_t>(index)];
+}
+
+StepRing *frmMain::ring(int index) const
+{
+    if (index < 0 || index >= RingCount)
+        return nullptr;
+    return m_rings[static_cast<size_t>(index)];
+}
+
+void frmMain::showProgressFrame(bool show)
+{
+    if (show) {
+        m_progressFrame->setGeometry(centralWidget()->rect());
+        m_progressFrame->show();
+        m_progressFrame->raise();
+    } else {
+        m_progressFrame->hide();
+    }
+}
+
+frmInputBox *frmMain::inputBox()
+{
+    if (!m_inputBox) {
+        m_inputBox = new frmInputBox(this);
+        m_inputBox->setSpellChecker(m_spellChecker);
+    }
+    return m_inputBox;
+}
+
+void frmMain::setFtpDirectoryProvider(std::function<QString()> provider)
+{
+    m_ftpDirectory = std::move(provider);
+}
+
+void frmMain::setCloseHook(std::function<void()> hook)
+{
+    m_closeHook = std::move(hook);
+}
+
+void frmMain::addCleanupHook(std::function<void()> hook)
+{
+    m_cleanupHooks.push_back(std::move(hook));
+}
+
+void frmMain::addLoadHook(std::function<void()> hook)
+{
+    m_loadHooks.push_back(std::move(hook));
+}
+
+void frmMain::addFunctionOpenedHook(std::function<void(int, bool)> hook)
+{
+    m_functionHooks.push_back(std::move(hook));
+}
+
+void frmMain::setSetupPage(std::function<void()> page)
+{
+    m_setupPage = std::move(page);
+}
+
+void frmMain::setSpellChecker(std::function<QString(const QString &)> checker)
+{
+    m_spellChecker = std::move(checker);
+    if (m_inputBox)
+        m_inputBox->setSpellChecker(m_spellChecker);
+}
+
+void frmMain::setHelpContextProvider(int tab, std::function<int()> provider)
+{
+    if (tab >= 0 && tab < FunctionCount)
+        m_helpProviders[static_cast<size_t>(tab)] = std::move(provider);
+}
+
+bool frmMain::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == centralWidget() && event->type() == QEvent::Resize) {
+        m_progressFrame->setGeometry(centralWidget()->rect());
+    } else if (watched == m_workArea && event->type() == QEvent::Resize) {
+        for (StepRing *ring : m_rings)
+            ring->follow();
+    } else if (event->type() == QEvent::KeyPress &&
+               static_cast<QKeyEvent *>(event)->key() == Qt::Key_F1 && watched->isWidgetType()) {
+        // F1 on any of the program's forms opens the page of what is on screen.
+        HelpButton_Click();
+        return true;
+    }
+    return QMainWindow::eventFilter(watched, event);
 }

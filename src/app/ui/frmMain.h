@@ -1,11 +1,235 @@
 #pragma once
 
-#include <QMainWindow>
+#include "SettingsKeys.h"
 
-// The application shell: start screen, six work frames, shared progress frame.
+#include <QColor>
+#include <QMainWindow>
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <vector>
+
+class QAction;
+class QFrame;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QProgressBar;
+class QPushButton;
+class QStackedWidget;
+class QTabBar;
+class QTimer;
+class QWidget;
+class GuiJobUi;
+class HelpWindow;
+class InstructionForm;
+class StepRing;
+class frmInputBox;
+
+// Values that Load reads from the settings store into the window's module variables. Function
+// subsystems read them when they fill their frames; the store stays the place they write to.
+struct StartupValues
+{
+    QString BackupDirName, sml_resize, lrg_resize, Blog_resize;
+    QString PhotoIntructionView, BackupInstructionView, BlogIntructionView, PortalIntructionView,
+        SendFileIntructionView, FTPControlInstructionView;
+    bool AlernateLR = true, PromptForTitle = false, PromptForDescription = false;
+    QString BlogDirName, LoadSpeed;
+    bool SpellCheck = false, IsNTFamily = true;
+    ColourAndFontSettings ColourAndFont;
+    QString ChoosenUploadPath, ChoosenCopyPath;
+    QString LogoTxt, SULogoH, LogoPointerWidth;
+    QString SUBackgroundColor, SUTitleColor, SUTextColor, SUPageFont;
+};
+
+// The application shell: the start screen with the six functions, the six work frames, the
+// shared progress frame, the step rings, the menus and the four timers. Construction builds the
+// widgets only; Load() runs the start-up sequence (it may show dialogs and run the event loop),
+// so that function subsystems can attach their hooks between the two.
 class frmMain final : public QMainWindow
 {
     Q_OBJECT
 public:
+    static constexpr int FunctionCount = 6;
+    static constexpr int RingCount = 27;
+
     explicit frmMain(QWidget *parent = nullptr);
+    ~frmMain() override;
+
+    // Start-up: settings, folder tree, default data, first-run questions, clean-up, hooks.
+    void Load();
+    const StartupValues &startup() const { return m_startup; }
+
+    // The work frame of function index (0-5); each holds an empty QVBoxLayout to fill.
+    QFrame *TabFrame(int index) const;
+    QTabBar *TabStrip1() const { return m_tabStrip; }
+    QFrame *StartFrame() const { return m_startFrame; }
+
+    // Step rings. placeRing attaches ring index (0-26) to a control: the ring is drawn around it
+    // and follows it; shapeEvent decides whether and in which colour it shows.
+    void placeRing(int index, QWidget *target);
+    void shapeEvent(int step);
+    StepRing *ring(int index) const;
+    static const QColor RingGreen;
+    static const QColor RingYellow;
+
+    // Function selection, the same for FunctionSelectButton_i and TabMenu_i.
+    void FunctionSelectButton_Click(int index);
+    void TabStrip1_Click();
+    void ReturnToStartButton_Click();
+    void DoCleanup();
+
+    // Instruction forms: unloads all six; shows one (whatever its setting) and returns it.
+    void unloadInstructionForms();
+    InstructionForm *showInstructionForm(int index);
+    InstructionForm *instructionForm(int index) const;
+
+    // Help: the context number of what is on screen, and the help window opened at it.
+    int helpContext() const;
+    void HelpButton_Click();
+    void showHelpTopic(int context);
+    HelpWindow *helpWindow() const { return m_help; }
+
+    // Shared progress frame of a running job (Status_text, Stepof, ProgressBar1, CancelButton).
+    QFrame *ProgressFrame() const { return m_progressFrame; }
+    void showProgressFrame(bool show);
+    QLabel *Status_text() const { return m_statusText; }
+    QLabel *Stepof() const { return m_stepOf; }
+    QProgressBar *ProgressBar1() const { return m_progressBar; }
+
+    // Fields of the FTP Control & Settings tab that Load fills. They belong to frmMain but have
+    // no place until the settings tab adds them to its layout (adding them shows them).
+    QLineEdit *txtServer() const { return m_txtServer; }
+    QLineEdit *txtWebSite() const { return m_txtWebSite; }
+    QLineEdit *txtUser() const { return m_txtUser; }
+    QLineEdit *txtPassword() const { return m_txtPassword; }
+    QLineEdit *txtEmailID() const { return m_txtEmailID; }
+    QLineEdit *txtDefaultAuthor() const { return m_txtDefaultAuthor; }
+    QLineEdit *WebRoot() const { return m_webRoot; }
+    QLineEdit *FTPRoot() const { return m_ftpRoot; }
+    QLineEdit *ClientRoot() const { return m_clientRoot; }
+    QLineEdit *LoadSpeed() const { return m_loadSpeed; }
+    QLabel *UploadPath() const { return m_uploadPath; }
+
+    // Menu entries that jobs and other subsystems look at or extend.
+    QAction *RunWithoutMenu() const { return m_runWithoutMenu; }
+    QAction *HighLightSteps() const { return m_highLightSteps; }
+    QAction *SpellCheckOn() const { return m_spellCheckOn; }
+    QAction *CheckSpellingMenu() const { return m_checkSpellingMenu; }
+    QAction *CheckSpellingAllMenu() const { return m_checkSpellingAllMenu; }
+    QAction *XPorBetter() const { return m_xpOrBetter; }
+    QMenu *OptionsMenu() const { return m_optionsMenu; }
+
+    // The job seam with the real forms, and the prompt it uses.
+    GuiJobUi &jobUi() const { return *m_jobUi; }
+    frmInputBox *inputBox();
+
+    // Timers: the removable drive (Timer1), the tick counter (Timer4) and Wait on it.
+    QString RemovableDrive() const { return m_removableDrive; }
+    QString Text2() const;
+    int TickCount() const { return m_tickCount; }
+    void Wait(double seconds);
+    void refreshDrives();
+    void refreshUploadPath();
+
+    // The About line: system name, " Version ", kernel version.
+    static QString SystemVersionLine();
+
+    // Hooks for the function subsystems. Each is optional.
+    // Timer3: the directory the FTP session stands in (no network call).
+    void setFtpDirectoryProvider(std::function<QString()> provider);
+    // Window close answered Yes: close the FTP connection.
+    void setCloseHook(std::function<void()> hook);
+    // DoCleanup: refresh the photo lists and clear the current History record.
+    void addCleanupHook(std::function<void()> hook);
+    // Run at the end of Load, in the order added (lists, logo pictures, colour controls).
+    void addLoadHook(std::function<void()> hook);
+    // After a function is opened by button, menu or tab: index 0-5, byTab true for TabStrip1.
+    void addFunctionOpenedHook(std::function<void(int index, bool byTab)> hook);
+    // The Configuration page: shown on the first run and by SetupPrompt; returns when answered.
+    void setSetupPage(std::function<void()> page);
+    // The spelling check of a text; while unset, the prompt has no spell-check button.
+    void setSpellChecker(std::function<QString(const QString &)> checker);
+    const std::function<QString(const QString &)> &spellChecker() const { return m_spellChecker; }
+    // Overrides the help context while TabFrame(tab) is shown; return 0 to keep the default.
+    void setHelpContextProvider(int tab, std::function<int()> provider);
+
+signals:
+    // The user chose to end the program (ExitMenu or the window's close, answered Yes).
+    void programEnding();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void PositionThings();
+    QWidget *buildStartScreen();
+    QWidget *buildProgressFrame();
+    void buildMenus();
+    void buildSettingsFields();
+    void Timer2_Timer();
+    void askExit();
+    void PromptForSetup();
+    void askSpellingQuestion();
+    void readStartupSettings();
+    void showTabFrame(int index);
+    void openFunction(int index, bool byTab);
+
+    StartupValues m_startup;
+    QFrame *m_startFrame = nullptr;
+    QTabBar *m_tabStrip = nullptr;
+    QStackedWidget *m_pages = nullptr;
+    QWidget *m_workArea = nullptr;
+    std::array<QFrame *, FunctionCount> m_tabFrames{};
+    std::array<QPushButton *, FunctionCount> m_functionButtons{};
+    std::array<StepRing *, RingCount> m_rings{};
+    std::array<QPointer<InstructionForm>, FunctionCount> m_instructions{};
+    QPushButton *m_returnButton = nullptr;
+
+    QFrame *m_progressFrame = nullptr;
+    QLabel *m_statusText = nullptr;
+    QLabel *m_stepOf = nullptr;
+    QProgressBar *m_progressBar = nullptr;
+    QPushButton *m_cancelButton = nullptr;
+
+    QWidget *m_fieldHolder = nullptr;
+    QLineEdit *m_txtServer = nullptr, *m_txtWebSite = nullptr, *m_txtUser = nullptr,
+              *m_txtPassword = nullptr, *m_txtEmailID = nullptr, *m_txtDefaultAuthor = nullptr,
+              *m_webRoot = nullptr, *m_ftpRoot = nullptr, *m_clientRoot = nullptr,
+              *m_loadSpeed = nullptr;
+    QLabel *m_uploadPath = nullptr;
+    QLabel *m_text2 = nullptr;
+
+    QMenu *m_optionsMenu = nullptr;
+    QAction *m_runWithoutMenu = nullptr, *m_highLightSteps = nullptr, *m_setupPrompt = nullptr,
+            *m_spellCheckOn = nullptr, *m_checkSpellingMenu = nullptr,
+            *m_checkSpellingAllMenu = nullptr, *m_xpOrBetter = nullptr;
+
+    // Timer2's animation: two pictures on a track, direction "R" or "L".
+    QWidget *m_track = nullptr;
+    QLabel *m_image7[2] = {nullptr, nullptr};
+    QString m_direction = QStringLiteral("R");
+
+    QTimer *m_timer1 = nullptr, *m_timer2 = nullptr, *m_timer3 = nullptr, *m_timer4 = nullptr;
+    int m_tickCount = 0;
+    QString m_removableDrive;
+    bool m_driveScanRunning = false;
+
+    std::unique_ptr<GuiJobUi> m_jobUi;
+    QPointer<frmInputBox> m_inputBox;
+    HelpWindow *m_help = nullptr;
+
+    std::function<QString()> m_ftpDirectory;
+    std::function<void()> m_closeHook;
+    std::function<void()> m_setupPage;
+    std::function<QString(const QString &)> m_spellChecker;
+    std::vector<std::function<void()>> m_cleanupHooks;
+    std::vector<std::function<void()>> m_loadHooks;
+    std::vector<std::function<void(int, bool)>> m_functionHooks;
+    std::array<std::function<int()>, FunctionCount> m_helpProviders{};
 };

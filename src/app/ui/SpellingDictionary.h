@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QString>
+
+// The name of the spelling dictionary the spell checker would use: the one of the user's
+// language if it is installed, else "en_US" if that is; "" when none is installed.
+QString InstalledSpellingDictionary();
