@@ -1,0 +1,275 @@
+#include "FrameFixture.h"
+
+#include "Folders.h"
+#include "History.h"
+#include "PhotoFrameSettings.h"
+#include "ReadyToSendNames.h"
+#include "ReadyToSendPage.h"
+#include "Settings.h"
+#include "TestMain.h"
+
+#include <QCheckBox>
+#include <QDir>
+#include <QFile>
+#include <QGroupBox>
+#include <QImageReader>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QProcess>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QStandardPaths>
+#include <QTabWidget>
+
+namespace {
+
+QSize pictureSize(const QString &path)
+{
+    QImageReader reader(path);
+    return reader.size();
+}
+
+// The colour at a point of a picture, to tell a turn to the left from one to the right.
+bool isRed(const QString &path, QPoint at)
+{
+    const QImage image(path);
+    const QColor c = image.pixelColor(at);
+    return c.red() > 180 && c.green() < 90 && c.blue() < 90;
+}
+
+const QString MaxMessage = QStringLiteral("Maximum number of photos have been reached");
+
+} // namespace
+
+class TestReadyToSend : public QObject
+{
+    Q_OBJECT
+private slots:
+    void frameHasTheTabsAndControls()
+    {
+        FrameFixture f;
+        auto *tabs = f.find<QTabWidget>(QStringLiteral("TabStrip2"));
+        QVERIFY(tabs);
+        QCOMPARE(tabs->count(), 2);
+        QCOMPARE(tabs->tabText(0), QStringLiteral("Select Images"));
+        QCOMPARE(tabs->tabText(1), QStringLiteral("Settings"));
+        QCOMPARE(f.find<QPushButton>(QStringLiteral("CopyButton_1"))->text(),
+                 QStringLiteral("Rotate Left && Copy"));
+        QCOMPARE(f.find<QPushButton>(QStringLiteral("ChangeCopyPathButton"))->text(),
+                 QStringLiteral("Select Photo Directory"));
+        QCOMPARE(f.find<QLineEdit>(QStringLiteral("PreFix"))->text(), QStringLiteral("50"));
+        QCOMPARE(f.find<QPushButton>(QStringLiteral("EditButtons_7"))->text(),
+                 QStringLiteral("Print List"));
+        QCOMPARE(f.find<QRadioButton>(QStringLiteral("LeftRight_0"))->text(),
+                 QStringLiteral("Left  -Image-"));
+        QVERIFY(!f.find<QGroupBox>(QStringLiteral("EditFrame"))->isVisible());
+        QCOMPARE(f.workingFolder(), QDir::cleanPath(Folders::HomeFolder()));
+    }
+
+    void addSuffixPutsTheSuffixBeforeTheLastDot_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("result");
+        QTest::newRow("jpg") << "Tree.jpg"
+                             << "Tree_Left.jpg";
+        QTest::newRow("two dots") << "a.b.gif"
+                                  << "a.b_Left.gif";
+        QTest::newRow("no dot") << "Tree"
+                                << "Tree";
+    }
+    void addSuffixPutsTheSuffixBeforeTheLastDot()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, result);
+        QCOMPARE(AddSuffix(name, QStringLiteral("_Left")), result);
+    }
+
+    void groupNumberOfTheCopy_data()
+    {
+        QTest::addColumn<QString>("prefix");
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("prefixAfter");
+        QTest::newRow("default") << "50"
+                                 << "00050_Tree.jpg"
+                                 << "50";
+        QTest::newRow("seven") << "7"
+                               << "00007_Tree.jpg"
+                               << "7";
+        QTest::newRow("six digits") << "123456"
+                                    << "23456_Tree.jpg"
+                                    << "123456";
+        QTest::newRow("letters") << "abc"
+                                 << "00000_Tree.jpg"
+                                 << "0";
+        QTest::newRow("empty") << ""
+                               << "00000_Tree.jpg"
+                               << "0";
+    }
+    void groupNumberOfTheCopy()
+    {
+        QFETCH(QString, prefix);
+        QFETCH(QString, file);
+        QFETCH(QString, prefixAfter);
+        FrameFixture f;
+        f.addPictures({QStringLiteral("Tree.jpg")});
+        f.find<QLineEdit>(QStringLiteral("PreFix"))->setText(prefix);
+        f.selectSource({QStringLiteral("Tree.jpg")});
+        f.click(QStringLiteral("CopyButton_0"));
+        QCOMPARE(f.names(f.file3()), QStringList{file});
+        QVERIFY(QFile::exists(f.readyFile(file)));
+        QVERIFY(QFile::exists(f.sourceFile(QStringLiteral("Tree.jpg"))));
+        QCOMPARE(f.find<QLineEdit>(QStringLiteral("PreFix"))->text(), prefixAfter);
+        QCOMPARE(f.page().PhotoNumber, qint16(1));
+        QCOMPARE(f.page().PhotoName[0], QStringLiteral("Tree.jpg"));
+        QCOMPARE(f.page().PhotoPath[0], f.sourceFolder());
+        QCOMPARE(f.page().PhotoRotate[0], QString());
+        QCOMPARE(f.page().PhotoOrder[0], file.left(5));
+        QVERIFY(f.steps.contains(3));
+    }
+
+    void preFixOnLeavingBecomesItsNumber_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("number") << "12"
+                                << "12";
+        QTest::newRow("trailing letters") << "12abc"
+                                          << "12";
+        QTest::newRow("letters") << "abc"
+                                 << "0";
+        QTest::newRow("blanks") << "  8 "
+                                << "8";
+    }
+    void preFixOnLeavingBecomesItsNumber()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, shown);
+        FrameFixture f;
+        auto *preFix = f.find<QLineEdit>(QStringLiteral("PreFix"));
+        preFix->setText(typed);
+        f.leave(preFix);
+        QCOMPARE(preFix->text(), shown);
+    }
+
+    void copyingTwiceInOneGroupOffersTheNextGroup()
+    {
+        FrameFixture f;
+        f.addPictures({QStringLiteral("Tree.jpg")});
+        f.selectSource({QStringLiteral("Tree.jpg")});
+        f.click(QStringLiteral("CopyButton_0"));
+        f.inputAnswers.enqueue(QStringLiteral("51"));
+        f.selectSource({QStringLiteral("Tree.jpg")});
+        f.click(QStringLiteral("CopyButton_0"));
+        QCOMPARE(f.inputQuestions.size(), 1);
+        QVERIFY(f.inputQuestions[0].startsWith(
+            QStringLiteral("This File name already exist in this Grouping.")));
+        QCOMPARE(f.inputDefaults[0], QStringLiteral("51"));
+        QCOMPARE(f.names(f.file3()),
+                 (QStringList{QStringLiteral("00050_Tree.jpg"), QStringLiteral("00051_Tree.jpg")}));
+        QCOMPARE(f.find<QLineEdit>(QStringLiteral("PreFix"))->text(), QStringLiteral("51"));
+        QCOMPARE(f.page().PhotoNumber, qint16(2));
+        QCOMPARE(f.page().PhotoOrder[1], QStringLiteral("00051"));
+    }
+
+    void cancelInTheGroupQuestionOverwritesAndAddsASecondRow()
+    {
+        FrameFixture f;
+        f.addPictures({QStringLiteral("Tree.jpg")});
+        f.selectSource({QStringLiteral("Tree.jpg")});
+        f.click(QStringLiteral("CopyButton_0"));
+        f.selectSource({QStringLiteral("Tree.jpg")});
+        f.click(QStringLiteral("CopyButton_0")); // the question is answered with Cancel
+        QCOMPARE(f.inputQuestions.size(), 1);
+        QCOMPARE(f.names(f.file3()), QStringList{QStringLiteral("00050_Tree.jpg")});
+        QCOMPARE(f.page().PhotoNumber, qint16(2));
+        QCOMPARE(f.page().PhotoName[1], QStringLiteral("Tree.jpg"));
+        QCOMPARE(FindPhoto(f.page(), QStringLiteral("Tree.jpg"), QStringLiteral("00050")), 0);
+    }
+
+    void rotatedCopiesTurnThePictureAndStayInTheSourceFolder_data()
+    {
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<QString>("made");
+        QTest::addColumn<QString>("rotate");
+        QTest::addColumn<bool>("left");
+        QTest::newRow("left") << "CopyButton_1"
+                              << "Tree_Left.jpg"
+                              << "_Left" << true;
+        QTest::newRow("right") << "CopyButton_2"
+                               << "Tree_Right.jpg"
+                               << "_Right" << false;
+    }
+    void rotatedCopiesTurnThePictureAndStayInTheSourceFolder()
+    {
+        QFETCH(QString, button);
+        QFETCH(QString, made);
+        QFETCH(QString, rotate);
+        QFETCH(bool, left);
+        FrameFixture f;
+        f.addPictures({QStringLiteral("Tree.jpg")}, QSize(640, 480));
+        f.selectSource({QStringLiteral("Tree.jpg")});
+        f.click(button);
+
+        QVERIFY(QFile::exists(f.sourceFile(QStringLiteral("Tree.jpg"))));
+        QVERIFY(QFile::exists(f.sourceFile(made)));
+        QVERIFY(f.names(f.file2()).contains(made));
+        const QString ready = f.readyFile(QStringLiteral("00050_") + made);
+        QVERIFY(QFile::exists(ready));
+        QCOMPARE(pictureSize(ready), QSize(480, 640));
+        // The red mark of the top left corner goes to the bottom left on a turn to the left
+        // and to the top right on a turn to the right.
+        QVERIFY(isRed(ready, left ? QPoint(10, 630) : QPoint(470, 10)));
+        QVERIFY(!isRed(ready, left ? QPoint(470, 10) : QPoint(10, 630)));
+        QCOMPARE(f.page().PhotoName[0], made);
+        QCOMPARE(f.page().PhotoRotate[0], rotate);
+        QCOMPARE(FindPhoto(f.page(), made, QStringLiteral("00050")), 0);
+    }
+
+    void rotatingLeftThenRightGivesBackTheSize()
+    {
+        FrameFixture f;
+        f.addPictures({QStringLiteral("Tree.jpg")}, QSize(200, 100));
+        f.selectSource({QStringLiteral("Tree.jpg")});
+        f.click(QStringLiteral("CopyButton_1"));
+        f.selectSource({QStringLiteral("Tree_Left.jpg")});
+        f.click(QStringLiteral("CopyButton_2"));
+        const QString back = f.readyFile(QStringLiteral("00050_Tree_Left_Right.jpg"));
+        QVERIFY(QFile::exists(back));
+        QCOMPARE(pictureSize(back), QSize(200, 100));
+    }
+
+    void selectAllCopiesEveryPictureAndRepeatedClicksRunDownTheList()
+    {
+        FrameFixture f;
+        f.addPictures({QStringLiteral("a.jpg"), QStringLiteral("B.JPG"), QStringLiteral("c.gif"),
+                       QStringLiteral("notes.txt")});
+        QCOMPARE(f.names(f.file2()), (QStringList{QStringLiteral("a.jpg"), QStringLiteral("B.JPG"),
+                                                  QStringLiteral("c.gif")}));
+        f.selectSource({QStringLiteral("a.jpg")});
+        f.click(QStringLiteral("CopyButton_0"));
+        QVERIFY(f.file2()->item(1)->isSelected());
+        f.click(QStringLiteral("CopyButton_0"));
+        QCOMPARE(f.names(f.file3()),
+                 (QStringList{QStringLiteral("00050_a.jpg"), QStringLiteral("00050_B.JPG")}));
+    }
+
+    void enterTogglesTheSelectionOfTheCurrentRow()
+    {
+        FrameFixture f;
+        f.addPictures({QStringLiteral("a.jpg"), QStringLiteral("b.jpg")});
+        QListWidget *list = f.file2();
+        list->setFocus();
+        list->setCurrentRow(1, QItemSelectionModel::NoUpdate);
+        list->clearSelection();
+        QTest::keyClick(list, Qt::Key_Return);
+        QVERIFY(list->item(1)->isSelected());
+        QVERIFY(f.names(f.file3()).isEmpty()); // Enter never copies
+        QTest::keyClick(list, Qt::Key_Return);
+        QVERIFY(!list->item(1)->isSelected());
+    }
+};
+
+TARNWICK_TEST_MAIN(TestReadyToSend)
+#include "test_readytosend.moc"
