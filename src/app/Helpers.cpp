@@ -1,5 +1,6 @@
 #include "Helpers.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
@@ -90,4 +91,36 @@ int HexColorToRGB(const QString &text)
     const int green = leadingHex(text.mid(3, 2));
     const int blue = leadingHex(text.mid(5, 2));
     return red + 256 * green + 65536 * blue;
+}
+
+QString FindPathNoCase(const QString &folder, const QString &relativePath)
+{
+    QString path = folder;
+    while (path.size() > 1 && isSeparator(path.back()))
+        path.chop(1);
+    const QStringList parts =
+        QString(relativePath).replace(u'\\', u'/').split(u'/', Qt::SkipEmptyParts);
+    for (const QString &part : parts) {
+        const QString exact = path + u'/' + part;
+        if (QFileInfo::exists(exact)) {
+            path = exact;
+            continue;
+        }
+        const QDir dir(path);
+        if (!dir.exists())
+            return QString();
+        QString found;
+        const QStringList entries =
+            dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+        for (const QString &entry : entries) {
+            if (entry.compare(part, Qt::CaseInsensitive) == 0) {
+                found = entry;
+                break;
+            }
+        }
+        if (found.isEmpty())
+            return QString();
+        path += u'/' + found;
+    }
+    return parts.isEmpty() ? QString() : path;
 }

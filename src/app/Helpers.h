@@ -25,3 +25,7 @@ QString FileDateTime(const QString &path);
 // positions 2, 4 and 6 without looking at the first character; a missing or bad pair counts 0,
 // and a pair that starts with hex digits counts those ("#7" gives 7).
 int HexColorToRGB(const QString &text);
+
+// The real path of relativePath ("Startup/Office Tools/Zipcode Search.ptr") under folder, each
+// part matched with case ignored when the exact spelling isn't there; "" when there is none.
+QString FindPathNoCase(const QString &folder, const QString &relativePath);
