@@ -1,0 +1,668 @@
+#include "DriveList.h"
+#include "Folders.h"
+#include "HelpWindow.h"
+#include "InstructionForm.h"
+#include "JobState.h"
+#include "ModalAnswer.h"
+#include "Settings.h"
+#include "StepRing.h"
+#include "TestMain.h"
+#include "frmMain.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFrame>
+#include <QLabel>
+#include <QLayout>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTabBar>
+#include <QTextBrowser>
+#include <QTimer>
+
+#include <memory>
+#include <set>
+
+using IntSet = std::set<int>;
+Q_DECLARE_METATYPE(IntSet)
+
+class TestFrmMain : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<frmMain> m_main;
+
+    // A window as the program starts it; the first run answers the spelling question with No.
+    void start()
+    {
+        m_main = std::make_unique<frmMain>();
+        if (GetSetting(QStringLiteral("entry")).isEmpty())
+            answerMessageBox(QMessageBox::No);
+        m_main->Load();
+        m_main->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_main.get()));
+    }
+
+    template <typename T> T *child(const QString &name) const
+    {
+        return m_main->findChild<T *>(name);
+    }
+    QAction *action(const QString &name) const { return child<QAction>(name); }
+    static void settle()
+    {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCoreApplication::processEvents();
+    }
+
+private slots:
+    void init()
+    {
+        m_main.reset();
+        ClearTemporaryHome();
+        JobState::instance().reset();
+        SaveSetting(QStringLiteral("entry"), QStringLiteral("5"));
+        start();
+    }
+    void cleanup() { m_main.reset(); }
+
+    void everyNamedControlExists()
+    {
+        QStringList widgets = {QStringLiteral("StartFrame"),
+                               QStringLiteral("TabStrip1"),
+                               QStringLiteral("ReturnToStartButton"),
+                               QStringLiteral("ProgressFrame"),
+                               QStringLiteral("Status_text"),
+                               QStringLiteral("Stepof"),
+                               QStringLiteral("CancelButton"),
+                               QStringLiteral("ProgressBar1"),
+                               QStringLiteral("Text2"),
+                               QStringLiteral("Image7_0"),
+                               QStringLiteral("Image7_1"),
+                               QStringLiteral("txtServer"),
+                               QStringLiteral("txtWebSite"),
+                               QStringLiteral("txtUser"),
+                               QStringLiteral("txtPassword"),
+                               QStringLiteral("txtEmailID"),
+                               QStringLiteral("txtDefaultAuthor"),
+                               QStringLiteral("WebRoot"),
+                               QStringLiteral("FTPRoot"),
+                               QStringLiteral("ClientRoot"),
+                               QStringLiteral("UploadPath")};
+        for (int i = 0; i < 6; ++i) {
+            widgets << QStringLiteral("FunctionSelectButton_%1").arg(i)
+                    << QStringLiteral("TabFrame_%1").arg(i);
+        }
+        for (int i = 0; i < 27; ++i)
+            widgets << QStringLiteral("Shape1_%1").arg(i);
+        for (const QString &name : widgets)
+            QVERIFY2(child<QWidget>(name), qPrintable(name));
+
+        QStringList actions = {
+            QStringLiteral("SetupPrompt"),       QStringLiteral("RunWithoutMenu"),
+            QStringLiteral("HighLightSteps"),    QStringLiteral("AboutMenu"),
+            QStringLiteral("ExitMenu"),          QStringLiteral("SpellCheckOn"),
+            QStringLiteral("CheckSpellingMenu"), QStringLiteral("CheckSpellingAllMenu"),
+            QStringLiteral("XPorBetter")};
+        for (int i = 0; i < 6; ++i)
+            actions << QStringLiteral("TabMenu_%1").arg(i) << QStringLiteral("InstrMenu_%1").arg(i);
+        for (const QString &name : actions)
+            QVERIFY2(action(name), qPrintable(name));
+        for (const char *timer : {"Timer1", "Timer2", "Timer3", "Timer4"})
+            QVERIFY(child<QTimer>(QString::fromLatin1(timer)));
+    }
+
+    void captionsAndStartState()
+    {
+        const QStringList captions = {
+            QStringLiteral("Send a Photo Page"), QStringLiteral("Backup Files "),
+            QStringLiteral("Send a File"),       QStringLiteral("Build a Web Log"),
+            QStringLiteral("Build a Portal"),    QStringLiteral("FTP Control && Settings")};
+        for (int i = 0; i < 6; ++i)
+            QCOMPARE(child<QPushButton>(QStringLiteral("FunctionSelectButton_%1").arg(i))->text(),
+                     captions.at(i));
+        QCOMPARE(child<QTabBar>(QStringLiteral("TabStrip1"))->count(), 6);
+        QVERIFY(m_main->StartFrame()->isVisible());
+        for (int i = 0; i < 6; ++i)
+            QVERIFY(!m_main->TabFrame(i)->isVisible());
+        QVERIFY(!m_main->ProgressFrame()->isVisible());
+        QCOMPARE(m_main->windowTitle(), QStringLiteral("Tarnwick - Ready to Connect"));
+        QVERIFY(!action(QStringLiteral("RunWithoutMenu"))->isChecked());
+        QVERIFY(action(QStringLiteral("HighLightSteps"))->isChecked());
+    }
+
+    void functionButtonOpensFrameAndInstructions_data()
+    {
+        QTest::addColumn<int>("index");
+        QTest::addColumn<QString>("form");
+        QTest::addColumn<IntSet>("rings");
+        QTest::newRow("photo") << 0 << "InstructionPagePhoto" << IntSet{0, 2, 3};
+        QTest::newRow("backup") << 1 << "InstructionPageBackup" << IntSet{12, 13};
+        QTest::newRow("send file") << 2 << "InstructionPageSendFile" << IntSet{10, 11};
+        QTest::newRow("web log") << 3 << "InstructionPageBlog" << IntSet{5, 6};
+        QTest::newRow("portal") << 4 << "InstructionPagePortal" << IntSet{17, 18, 19, 20};
+        QTest::newRow("ftp") << 5 << "InstructionPageFTPControls" << IntSet{14, 16};
+    }
+    void functionButtonOpensFrameAndInstructions()
+    {
+        QFETCH(int, index);
+        QFETCH(QString, form);
+        QFETCH(IntSet, rings);
+        QSignalSpy opened(m_main.get(), &frmMain::programEnding);
+        int hookIndex = -1;
+        bool hookByTab = true;
+        m_main->addFunctionOpenedHook([&](int i, bool byTab) {
+            hookIndex = i;
+            hookByTab = byTab;
+        });
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_%1").arg(index))->click();
+        QVERIFY(!m_main->StartFrame()->isVisible());
+        for (int i = 0; i < 6; ++i)
+            QCOMPARE(m_main->TabFrame(i)->isVisible(), i == index);
+        QCOMPARE(m_main->TabStrip1()->currentIndex(), index);
+        InstructionForm *page = m_main->instructionForm(index);
+        QVERIFY(page);
+        QVERIFY(page->isVisible());
+        QCOMPARE(page->objectName(), form);
+        for (int i = 0; i < 27; ++i)
+            QCOMPARE(m_main->ring(i)->isShown(), rings.count(i) == 1);
+        QCOMPARE(hookIndex, index);
+        QVERIFY(!hookByTab);
+        QCOMPARE(opened.count(), 0);
+    }
+
+    void pressingTwiceClosesAndOpensTheForm()
+    {
+        auto *button = child<QPushButton>(QStringLiteral("FunctionSelectButton_2"));
+        button->click();
+        QPointer<InstructionForm> first = m_main->instructionForm(2);
+        QVERIFY(first && first->isVisible());
+        button->click();
+        settle();
+        QVERIFY(!first);
+        QVERIFY(m_main->instructionForm(2));
+        QVERIFY(m_main->instructionForm(2)->isVisible());
+
+        // Closed by the user: the next press brings it back.
+        m_main->instructionForm(2)->findChild<QPushButton *>(QStringLiteral("Command1"))->click();
+        settle();
+        QVERIFY(!m_main->instructionForm(2));
+        button->click();
+        QVERIFY(m_main->instructionForm(2) && m_main->instructionForm(2)->isVisible());
+
+        // Opening another function unloads it.
+        child<QPushButton>(QStringLiteral("ReturnToStartButton"))->click();
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_4"))->click();
+        settle();
+        QVERIFY(!m_main->instructionForm(2));
+        QVERIFY(m_main->instructionForm(4));
+    }
+
+    void hideOnOnePageLeavesTheOthers()
+    {
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_1"))->click();
+        auto *check = m_main->instructionForm(1)->findChild<QCheckBox *>(QStringLiteral("Check1"));
+        QVERIFY(check->isChecked());
+        check->click();
+        QCOMPARE(GetSetting(QStringLiteral("BackupInstructionView")), QStringLiteral("Hide"));
+
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_1"))->click();
+        settle();
+        QVERIFY(!m_main->instructionForm(1));
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_0"))->click();
+        QVERIFY(m_main->instructionForm(0) && m_main->instructionForm(0)->isVisible());
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_2"))->click();
+        QVERIFY(m_main->instructionForm(2) && m_main->instructionForm(2)->isVisible());
+    }
+
+    void sendFilePageWritesTheSpellingThatIsRead()
+    {
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_2"))->click();
+        m_main->instructionForm(2)->findChild<QCheckBox *>(QStringLiteral("Check1"))->click();
+        QCOMPARE(GetSetting(QStringLiteral("SendFileInstructionView")), QStringLiteral("Hide"));
+        QCOMPARE(GetSetting(QStringLiteral("SendFileIntructionView"), QStringLiteral("Show")),
+                 QStringLiteral("Show"));
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_2"))->click();
+        settle();
+        QVERIFY(!m_main->instructionForm(2));
+    }
+
+    void instructionMenuShowsPageWhateverTheSetting()
+    {
+        SaveSetting(QStringLiteral("PortalIntructionView"), QStringLiteral("Hide"));
+        action(QStringLiteral("InstrMenu_4"))->trigger();
+        InstructionForm *page = m_main->instructionForm(4);
+        QVERIFY(page && page->isVisible());
+        auto *check = page->findChild<QCheckBox *>(QStringLiteral("Check1"));
+        QVERIFY(!check->isChecked());
+        check->click();
+        QCOMPARE(GetSetting(QStringLiteral("PortalIntructionView")), QStringLiteral("Show"));
+        QCOMPARE(action(QStringLiteral("InstrMenu_2"))->text(),
+                 QStringLiteral("Send a File Instructions"));
+        QCOMPARE(action(QStringLiteral("InstrMenu_5"))->text(),
+                 QStringLiteral("FTP Controls Instructions"));
+    }
+
+    void instructionTextsAndLegend()
+    {
+        action(QStringLiteral("InstrMenu_2"))->trigger();
+        InstructionForm *page = m_main->instructionForm(2);
+        QCOMPARE(page->findChild<QLabel *>(QStringLiteral("Step_2"))->text(),
+                 QStringLiteral("The pointer to this file is then ready to send via email either "
+                                "using the 'Take an Action' button or using the Paste command "
+                                "'Ctrl v'."));
+        QCOMPARE(page->findChild<QLabel *>(QStringLiteral("NextActionLabel"))->text(),
+                 QStringLiteral("Iindicates the next action"));
+        QCOMPARE(page->findChild<QLabel *>(QStringLiteral("FinalActionLabel"))->text(),
+                 QStringLiteral("Indicates the final action"));
+        QCOMPARE(InstructionForm::steps(0).size(), 6);
+        QCOMPARE(InstructionForm::steps(1).size(), 7);
+        QCOMPARE(InstructionForm::steps(3).size(), 5);
+        QCOMPARE(InstructionForm::steps(4).size(), 7);
+        QCOMPARE(InstructionForm::steps(5).size(), 5);
+        QVERIFY(page->findChild<QPushButton *>(QStringLiteral("MoreHelpButton")));
+    }
+
+    void tabMenuAndTabStripOpenFunctions()
+    {
+        action(QStringLiteral("TabMenu_3"))->trigger();
+        QVERIFY(m_main->TabFrame(3)->isVisible());
+        QCOMPARE(m_main->TabStrip1()->currentIndex(), 3);
+        QVERIFY(m_main->ring(5)->isShown());
+
+        bool byTab = false;
+        m_main->addFunctionOpenedHook([&byTab](int, bool tab) { byTab = tab; });
+        QTabBar *tabs = m_main->TabStrip1();
+        QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(5).center());
+        QVERIFY(m_main->TabFrame(5)->isVisible());
+        QVERIFY(!m_main->TabFrame(3)->isVisible());
+        QVERIFY(byTab);
+        settle();
+        QVERIFY(!m_main->instructionForm(3));
+        QVERIFY(m_main->instructionForm(5));
+        QVERIFY(m_main->ring(14)->isShown());
+    }
+
+    void returnToStart()
+    {
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_4"))->click();
+        child<QPushButton>(QStringLiteral("ReturnToStartButton"))->click();
+        QVERIFY(m_main->StartFrame()->isVisible());
+        for (int i = 0; i < 6; ++i)
+            QVERIFY(!m_main->TabFrame(i)->isVisible());
+    }
+
+    void shapeEventTable_data()
+    {
+        QTest::addColumn<int>("step");
+        QTest::addColumn<IntSet>("visible");
+        QTest::addColumn<IntSet>("green");
+        QTest::addColumn<IntSet>("yellow");
+        QTest::newRow("0") << 0 << IntSet{0, 2, 3} << IntSet{0} << IntSet{};
+        QTest::newRow("1") << 1 << IntSet{1, 2, 3} << IntSet{2, 3} << IntSet{};
+        QTest::newRow("3") << 3 << IntSet{1, 2, 3} << IntSet{2, 3} << IntSet{1};
+        QTest::newRow("10") << 10 << IntSet{5, 6} << IntSet{5} << IntSet{};
+        QTest::newRow("11") << 11 << IntSet{6, 23} << IntSet{6} << IntSet{};
+        QTest::newRow("16") << 16 << IntSet{6, 23} << IntSet{6, 23} << IntSet{};
+        QTest::newRow("15") << 15 << IntSet{23} << IntSet{23} << IntSet{};
+        QTest::newRow("12") << 12 << IntSet{7, 24, 25} << IntSet{7} << IntSet{};
+        QTest::newRow("22") << 22 << IntSet{24} << IntSet{24} << IntSet{};
+        QTest::newRow("23") << 23 << IntSet{24, 25} << IntSet{24, 25} << IntSet{};
+        QTest::newRow("24") << 24 << IntSet{8, 9, 15, 26} << IntSet{8, 9, 15} << IntSet{};
+        QTest::newRow("13") << 13 << IntSet{7, 8, 9, 15} << IntSet{8, 9, 15} << IntSet{};
+        QTest::newRow("14") << 14 << IntSet{4, 8, 9, 15} << IntSet{8, 9, 15} << IntSet{4};
+        QTest::newRow("20") << 20 << IntSet{10, 11} << IntSet{10} << IntSet{};
+        QTest::newRow("21") << 21 << IntSet{11} << IntSet{11} << IntSet{};
+        QTest::newRow("30") << 30 << IntSet{12, 13} << IntSet{12} << IntSet{};
+        QTest::newRow("31") << 31 << IntSet{13} << IntSet{13} << IntSet{};
+        QTest::newRow("40") << 40 << IntSet{14, 16} << IntSet{14} << IntSet{16};
+        QTest::newRow("41") << 41 << IntSet{16} << IntSet{} << IntSet{16};
+        QTest::newRow("50") << 50 << IntSet{17, 18, 19, 20} << IntSet{17, 18} << IntSet{};
+        QTest::newRow("51") << 51 << IntSet{19, 20, 21} << IntSet{19, 20} << IntSet{21};
+        QTest::newRow("52") << 52 << IntSet{17, 18, 19, 20, 21} << IntSet{17, 18, 19, 20}
+                            << IntSet{21};
+        QTest::newRow("333") << 333 << IntSet{} << IntSet{} << IntSet{};
+        QTest::newRow("2 is not a step") << 2 << IntSet{} << IntSet{} << IntSet{};
+    }
+    void shapeEventTable()
+    {
+        QFETCH(int, step);
+        QFETCH(IntSet, visible);
+        QFETCH(IntSet, green);
+        QFETCH(IntSet, yellow);
+        // Start from everything shown in a third colour, so every change is seen.
+        for (int i = 0; i < 27; ++i) {
+            m_main->ring(i)->setShown(true);
+            m_main->ring(i)->setColour(Qt::red);
+        }
+        m_main->shapeEvent(step);
+        for (int i = 0; i < 27; ++i) {
+            QCOMPARE(m_main->ring(i)->isShown(), visible.count(i) == 1);
+            const QColor expected = green.count(i)    ? frmMain::RingGreen
+                                    : yellow.count(i) ? frmMain::RingYellow
+                                                      : QColor(Qt::red);
+            QCOMPARE(m_main->ring(i)->colour(), expected);
+        }
+        QCOMPARE(frmMain::RingGreen, QColor(0x00, 0xFF, 0x00));
+        QCOMPARE(frmMain::RingYellow, QColor(0xFF, 0xFF, 0x00));
+    }
+
+    void plainRingKeepsItsColour()
+    {
+        m_main->shapeEvent(3);
+        m_main->shapeEvent(1);
+        QVERIFY(m_main->ring(1)->isShown());
+        QCOMPARE(m_main->ring(1)->colour(), frmMain::RingYellow);
+    }
+
+    void highlightOffHidesAll()
+    {
+        m_main->shapeEvent(52);
+        QVERIFY(m_main->ring(21)->isShown());
+        action(QStringLiteral("HighLightSteps"))->trigger();
+        QVERIFY(!action(QStringLiteral("HighLightSteps"))->isChecked());
+        QCOMPARE(GetSetting(QStringLiteral("HighLightSteps")), QStringLiteral("False"));
+        for (int step : {0, 1, 3, 10, 40, 52})
+            for (int i = 0; i < 27; ++i) {
+                m_main->shapeEvent(step);
+                QVERIFY(!m_main->ring(i)->isShown());
+            }
+        action(QStringLiteral("HighLightSteps"))->trigger();
+        QCOMPARE(GetSetting(QStringLiteral("HighLightSteps")), QStringLiteral("True"));
+        m_main->shapeEvent(0);
+        QVERIFY(m_main->ring(0)->isShown());
+
+        // The setting is read back at the next start.
+        action(QStringLiteral("HighLightSteps"))->trigger();
+        start();
+        QVERIFY(!action(QStringLiteral("HighLightSteps"))->isChecked());
+    }
+
+    void ringFollowsItsControl()
+    {
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_2"))->click();
+        auto *target = new QPushButton(QStringLiteral("Select a File"), m_main->TabFrame(2));
+        m_main->TabFrame(2)->layout()->addWidget(target);
+        m_main->placeRing(11, target);
+        m_main->shapeEvent(21);
+        QTest::qWait(50);
+        StepRing *ring = m_main->ring(11);
+        QVERIFY(ring->isVisible());
+        const QRect around(target->mapTo(ring->parentWidget(), QPoint(0, 0)), target->size());
+        QVERIFY(ring->geometry().contains(around));
+        // Leaving the function takes the ring off the screen but keeps its state.
+        child<QPushButton>(QStringLiteral("ReturnToStartButton"))->click();
+        QVERIFY(!ring->isVisible());
+        QVERIFY(ring->isShown());
+    }
+
+    void cancelButtonSetsFlag()
+    {
+        m_main->showProgressFrame(true);
+        QVERIFY(m_main->ProgressFrame()->isVisible());
+        JobState::instance().UploadCancelled = false;
+        child<QPushButton>(QStringLiteral("CancelButton"))->click();
+        QVERIFY(JobState::instance().UploadCancelled);
+        QVERIFY(!JobState::instance().skipped());
+        m_main->showProgressFrame(false);
+        QVERIFY(!m_main->ProgressFrame()->isVisible());
+    }
+
+    void exitMenuAsks_data()
+    {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<int>("ends");
+        QTest::newRow("yes") << int(QMessageBox::Yes) << 1;
+        QTest::newRow("no") << int(QMessageBox::No) << 0;
+    }
+    void exitMenuAsks()
+    {
+        QFETCH(int, answer);
+        QFETCH(int, ends);
+        QSignalSpy ending(m_main.get(), &frmMain::programEnding);
+        bool closedConnection = false;
+        m_main->setCloseHook([&closedConnection] { closedConnection = true; });
+        auto seen = answerMessageBox(static_cast<QMessageBox::StandardButton>(answer));
+        action(QStringLiteral("ExitMenu"))->trigger();
+        QCOMPARE(seen->title, QStringLiteral("Exit"));
+        QCOMPARE(seen->text, QStringLiteral("Are you sure you want to exit from Tarnwick?"));
+        QCOMPARE(ending.count(), ends);
+        QVERIFY(!closedConnection); // the menu leaves the connection as it is
+    }
+
+    void windowCloseAsks_data() { exitMenuAsks_data(); }
+    void windowCloseAsks()
+    {
+        QFETCH(int, answer);
+        QFETCH(int, ends);
+        QSignalSpy ending(m_main.get(), &frmMain::programEnding);
+        bool closedConnection = false;
+        m_main->setCloseHook([&closedConnection] { closedConnection = true; });
+        auto seen = answerMessageBox(static_cast<QMessageBox::StandardButton>(answer));
+        const bool closed = m_main->close();
+        QCOMPARE(seen->title, QStringLiteral("Exit"));
+        QCOMPARE(closed, ends == 1);
+        QCOMPARE(m_main->isVisible(), ends == 0);
+        QCOMPARE(closedConnection, ends == 1);
+        QCOMPARE(ending.count(), ends);
+    }
+
+    void waitCountsTicksWithTheWindowLive()
+    {
+        bool timerRan = false;
+        QTimer::singleShot(100, [&timerRan] { timerRan = true; });
+        QElapsedTimer clock;
+        clock.start();
+        const int ticks = m_main->TickCount();
+        m_main->Wait(0.5);
+        const qint64 elapsed = clock.elapsed();
+        QVERIFY(timerRan);
+        QVERIFY2(elapsed >= 400 && elapsed < 2000, qPrintable(QString::number(elapsed)));
+        QVERIFY(m_main->TickCount() - ticks >= 5);
+        clock.restart();
+        m_main->Wait(0);
+        QVERIFY(clock.elapsed() < 100);
+    }
+
+    void noRemovableDriveLeavesText2Empty()
+    {
+        QVERIFY(IsRemovableVolume(QStringLiteral("/media/usb"), QStringLiteral("/dev/sdz1")));
+        QVERIFY(IsRemovableVolume(QStringLiteral("/run/media/ann/CARD"), QString()));
+        QVERIFY(!IsRemovableVolume(QStringLiteral("/"), QStringLiteral("overlay")));
+        if (!LastRemovableDrive().isEmpty())
+            QSKIP("this machine has a removable medium mounted");
+        m_main->refreshDrives();
+        QTRY_VERIFY(!m_main->findChild<QLabel *>(QStringLiteral("Text2"))->text().size() &&
+                    m_main->RemovableDrive().isEmpty());
+        QCOMPARE(m_main->Text2(), QString());
+    }
+
+    void uploadPathShowsSiteAndDirectory()
+    {
+        m_main->txtWebSite()->setText(QStringLiteral("http://www.example.org"));
+        m_main->refreshUploadPath();
+        QCOMPARE(m_main->UploadPath()->text(), QStringLiteral("http://www.example.org"));
+        m_main->setFtpDirectoryProvider([] { return QStringLiteral(" /Photos/Summer "); });
+        m_main->refreshUploadPath();
+        QCOMPARE(m_main->UploadPath()->text(),
+                 QStringLiteral("http://www.example.org/Photos/Summer"));
+    }
+
+    void aboutLineNamesSystemAndKernel()
+    {
+        const QString line = frmMain::SystemVersionLine();
+        QVERIFY(line.contains(QStringLiteral(" Version ")));
+        QVERIFY(line.endsWith(QSysInfo::kernelVersion()));
+    }
+
+    void firstRunMakesTreeWritesKeysAndAsks()
+    {
+        m_main.reset();
+        ClearTemporaryHome();
+        int setupShown = 0;
+        m_main = std::make_unique<frmMain>();
+        m_main->setSetupPage([&setupShown] { ++setupShown; });
+        auto seen = answerMessageBox(QMessageBox::Yes);
+        m_main->Load();
+        QCOMPARE(setupShown, 1);
+        QVERIFY(seen->seen);
+        QCOMPARE(seen->title, QStringLiteral("Tarnwick"));
+        QVERIFY(seen->text.startsWith(QStringLiteral("The Spell Checker requires that you have ")));
+        QVERIFY(!seen->text.contains(QStringLiteral("WORD")));
+        QVERIFY(seen->text.contains(QStringLiteral("\n\n") + QString(33, QLatin1Char(' ')) +
+                                    QStringLiteral("Is ")));
+        QCOMPARE(GetSetting(QStringLiteral("SpellCheck")), QStringLiteral("True"));
+        QVERIFY(action(QStringLiteral("SpellCheckOn"))->isChecked());
+        QVERIFY(action(QStringLiteral("CheckSpellingMenu"))->isEnabled());
+        QCOMPARE(GetSetting(QStringLiteral("Bit32")), QStringLiteral("True"));
+        QVERIFY(action(QStringLiteral("XPorBetter"))->isChecked());
+        for (const QString &folder :
+             {Folders::ImagesFolder(), Folders::HistoryFolder(), Folders::BackupFolder(),
+              Folders::StartupFolder(), Folders::BlogPointerFolder(),
+              Folders::MasterPointerFolder(), Folders::PhotosHtmlFolder()})
+            QVERIFY2(QDir(folder).exists(), qPrintable(folder));
+        const QStringList eight = {"PhotoBGColor", "PhotoTitleColor", "PhotoTextColor", "PhotoFont",
+                                   "MstrBGColor",  "MstrTitleColor",  "MstrTextColor",  "MstrFont"};
+        for (const QString &key : eight)
+            QVERIFY2(HasSetting(key), qPrintable(key));
+        QCOMPARE(GetSetting(QStringLiteral("PhotoBGColor")), QStringLiteral("#7F7Fff"));
+        QCOMPARE(GetSetting(QStringLiteral("MstrFont")), QStringLiteral("Arial"));
+        QVERIFY(!HasSetting(QStringLiteral("SUBackgroundColor")));
+        QCOMPARE(m_main->startup().ColourAndFont.PhotoTitleColor, QStringLiteral("#008000"));
+
+        // The Configuration page is what sets entry; started again, nothing is asked.
+        SaveSetting(QStringLiteral("entry"), QStringLiteral("5"));
+        m_main = std::make_unique<frmMain>();
+        m_main->setSetupPage([&setupShown] { ++setupShown; });
+        auto again = answerMessageBox(QMessageBox::No);
+        m_main->Load();
+        QCOMPARE(setupShown, 1);
+        QVERIFY(!again->seen);
+        QVERIFY(action(QStringLiteral("SpellCheckOn"))->isChecked());
+        QCOMPARE(GetSetting(QStringLiteral("PhotoBGColor")), QStringLiteral("#7F7Fff"));
+    }
+
+    void loadReadsSettingsIntoFields()
+    {
+        SaveSetting(QStringLiteral("Server"), QStringLiteral("ftp.example.org:2121"));
+        SaveSetting(QStringLiteral("WebPage"), QStringLiteral("http://www.example.org"));
+        SaveSetting(QStringLiteral("Password"), QStringLiteral("s3cret"));
+        SaveSetting(QStringLiteral("ClientRoot"), QStringLiteral("ann"));
+        SaveSetting(QStringLiteral("PhotoBGColor"), QStringLiteral("#112233"));
+        SaveSetting(QStringLiteral("Bit32"), QStringLiteral("False"));
+        start();
+        QCOMPARE(m_main->txtServer()->text(), QStringLiteral("ftp.example.org:2121"));
+        QCOMPARE(m_main->txtWebSite()->text(), QStringLiteral("http://www.example.org"));
+        QCOMPARE(m_main->txtPassword()->text(), QStringLiteral("s3cret"));
+        QCOMPARE(m_main->ClientRoot()->text(), QStringLiteral("ann"));
+        QCOMPARE(m_main->LoadSpeed()->text(), QStringLiteral("0.1"));
+        QCOMPARE(m_main->startup().BackupDirName, QStringLiteral("Backup"));
+        QCOMPARE(m_main->startup().BlogDirName, QStringLiteral("Web_Log"));
+        QCOMPARE(m_main->startup().ColourAndFont.PhotoBGColor, QStringLiteral("#112233"));
+        QCOMPARE(m_main->startup().ChoosenUploadPath,
+                 QDir::homePath() + QStringLiteral("/Tarnwick"));
+        QVERIFY(!m_main->startup().IsNTFamily);
+        QVERIFY(!action(QStringLiteral("XPorBetter"))->isChecked());
+
+        // Bit32 removed while entry stays: the check keeps its former state.
+        QSettings store(QStringLiteral("Tarnwick"), QStringLiteral("Tarnwick"));
+        store.remove(QStringLiteral("Settings/Bit32"));
+        store.sync();
+        start();
+        QVERIFY(action(QStringLiteral("XPorBetter"))->isChecked());
+    }
+
+    void cleanupDeletesImagesOnlyAndRunsHooks()
+    {
+        const QString home = Folders::HomeFolder();
+        for (const char *name : {"Sml_a.jpg", "Lrg_b.JPG", "c.gif", "d.bmp", "Save.txt", "e.htm"}) {
+            QFile file(home + QString::fromLatin1(name));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("x");
+        }
+        int hooks = 0;
+        m_main->addCleanupHook([&hooks] { ++hooks; });
+        m_main->DoCleanup();
+        QCOMPARE(hooks, 1);
+        QVERIFY(!QFile::exists(home + QStringLiteral("Sml_a.jpg")));
+        QVERIFY(!QFile::exists(home + QStringLiteral("Lrg_b.JPG")));
+        QVERIFY(!QFile::exists(home + QStringLiteral("c.gif")));
+        QVERIFY(!QFile::exists(home + QStringLiteral("d.bmp")));
+        QVERIFY(QFile::exists(home + QStringLiteral("Save.txt")));
+        QVERIFY(QFile::exists(home + QStringLiteral("e.htm")));
+        // Opening the photo function cleans up as well.
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_0"))->click();
+        QCOMPARE(hooks, 2);
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_1"))->click();
+        QCOMPARE(hooks, 2);
+    }
+
+    void helpContextFollowsTheScreen()
+    {
+        QCOMPARE(m_main->helpContext(), 2);
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_2"))->click();
+        QCOMPARE(m_main->helpContext(), 9);
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_4"))->click();
+        QCOMPARE(m_main->helpContext(), 16);
+
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_5"))->click();
+        QCOMPARE(m_main->helpContext(), 17);
+        auto *advanced = new QFrame(m_main->TabFrame(5));
+        advanced->setObjectName(QStringLiteral("AdvanceSettingFrame"));
+        m_main->TabFrame(5)->layout()->addWidget(advanced);
+        advanced->show();
+        QCOMPARE(m_main->helpContext(), 18);
+        advanced->hide();
+        QCOMPARE(m_main->helpContext(), 17);
+
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_0"))->click();
+        QCOMPARE(m_main->helpContext(), 6);
+        auto *strip = new QTabBar(m_main->TabFrame(0));
+        strip->setObjectName(QStringLiteral("TabStrip2"));
+        for (int i = 0; i < 4; ++i)
+            strip->addTab(QStringLiteral("Tab %1").arg(i));
+        m_main->TabFrame(0)->layout()->addWidget(strip);
+        strip->setCurrentIndex(1);
+        QCOMPARE(m_main->helpContext(), 4);
+        strip->setCurrentIndex(3);
+        QCOMPARE(m_main->helpContext(), 6);
+
+        m_main->setHelpContextProvider(1, [] { return 7; });
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_1"))->click();
+        QCOMPARE(m_main->helpContext(), 7);
+
+        m_main->hide();
+        QCOMPARE(m_main->helpContext(), 1);
+    }
+
+    void helpPagesExistAndF1OpensTheOneOnScreen()
+    {
+        for (int context = 1; context <= 18; ++context)
+            QVERIFY2(QFile::exists(HelpWindow::topicFile(context)),
+                     qPrintable(HelpWindow::topicFile(context)));
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_2"))->click();
+        InstructionForm *page = m_main->instructionForm(2);
+        QTest::keyClick(page->findChild<QPushButton *>(QStringLiteral("Command1")), Qt::Key_F1);
+        HelpWindow *help = m_main->helpWindow();
+        QVERIFY(help->isVisible());
+        QCOMPARE(help->currentTopic(), 9);
+        QVERIFY(help->browser()->toPlainText().contains(QStringLiteral("Send a File")));
+        help->close();
+
+        page->findChild<QPushButton *>(QStringLiteral("MoreHelpButton"))->click();
+        QVERIFY(help->isVisible());
+        QCOMPARE(help->currentTopic(), 9);
+
+        child<QPushButton>(QStringLiteral("ReturnToStartButton"))->click();
+        QTest::keyClick(m_main.get(), Qt::Key_F1);
+        QCOMPARE(help->currentTopic(), 2);
+    }
+};
+
+TARNWICK_TEST_MAIN(TestFrmMain)
+#include "test_frmMain.moc"
