@@ -6,7 +6,7 @@
 
 #include <QEventLoop>
 #include <QFont>
-#include <QGridLayout>
+#include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -109,14 +109,17 @@ frmAction::frmAction(JobUi &ui, JobState &state, QWidget *parent)
     m_body->setFixedHeight(m_body->fontMetrics().lineSpacing() * 4 + 12);
     connect(m_body, &QPlainTextEdit::textChanged, this, &frmAction::limitBody);
 
-    auto *mailBox = new QGridLayout;
+    // The e-mail's subject and text belong to the e-mail button: one framed group.
+    auto *mailFrame = new QGroupBox(this);
+    mailFrame->setObjectName(QStringLiteral("EmailFrame"));
+    auto *mailBox = new QVBoxLayout(mailFrame);
     mailBox->addWidget(
-        namedLabel(QStringLiteral("lblSubject"), QStringLiteral("Subject for email"), this), 0, 0);
-    mailBox->addWidget(m_subject, 1, 0);
+        namedLabel(QStringLiteral("lblSubject"), QStringLiteral("Subject for email"), mailFrame));
+    mailBox->addWidget(m_subject);
     mailBox->addWidget(namedLabel(QStringLiteral("lblBody"),
-                                  QStringLiteral("Text message (max 200 Characters)"), this),
-                       2, 0);
-    mailBox->addWidget(m_body, 3, 0);
+                                  QStringLiteral("Text message (max 200 Characters)"), mailFrame));
+    mailBox->addWidget(m_body);
+    mailBox->addWidget(mailButton);
 
     auto *helpButton = new QPushButton(QStringLiteral("Help"), this);
     helpButton->setObjectName(QStringLiteral("HelpButton"));
@@ -134,8 +137,7 @@ frmAction::frmAction(JobUi &ui, JobState &state, QWidget *parent)
     layout->addSpacing(6);
     layout->addWidget(copyButton);
     layout->addSpacing(6);
-    layout->addLayout(mailBox);
-    layout->addWidget(mailButton);
+    layout->addWidget(mailFrame);
     layout->addSpacing(6);
     layout->addWidget(viewButton);
     layout->addSpacing(6);
