@@ -1,3 +1,4 @@
+#include "DefaultData.h"
 #include "DriveList.h"
 #include "Folders.h"
 #include "HelpWindow.h"
@@ -534,6 +535,14 @@ private slots:
         QCOMPARE(GetSetting(QStringLiteral("MstrFont")), QStringLiteral("Arial"));
         QVERIFY(!HasSetting(QStringLiteral("SUBackgroundColor")));
         QCOMPARE(m_main->startup().ColourAndFont.PhotoTitleColor, QStringLiteral("#008000"));
+        // The default data was restored: templates copied, the cabinet unpacked once.
+        const CopyFilesReport &first = m_main->copyFilesReport();
+        QVERIFY(!first.copied.isEmpty());
+        QVERIFY(QFile::exists(Folders::PhotosFolder() + QStringLiteral("/Top.txt")));
+        QVERIFY(first.unpackTried);
+        QVERIFY(first.unpacked);
+        QVERIFY(first.signFileFound);
+        QVERIFY(QFile::exists(DefaultDataSignFile()));
 
         // The Configuration page is what sets entry; started again, nothing is asked.
         SaveSetting(QStringLiteral("entry"), QStringLiteral("5"));
@@ -543,6 +552,9 @@ private slots:
         m_main->Load();
         QCOMPARE(setupShown, 1);
         QVERIFY(!again->seen);
+        QVERIFY(m_main->copyFilesReport().copied.isEmpty());
+        QVERIFY(!m_main->copyFilesReport().unpackTried);
+        QVERIFY(m_main->copyFilesReport().signFileFound);
         QVERIFY(action(QStringLiteral("SpellCheckOn"))->isChecked());
         QCOMPARE(GetSetting(QStringLiteral("PhotoBGColor")), QStringLiteral("#7F7Fff"));
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DefaultData.h"
 #include "SettingsKeys.h"
 
 #include <QColor>
@@ -63,6 +64,8 @@ public:
     // Start-up: settings, folder tree, default data, first-run questions, clean-up, hooks.
     void Load();
     const StartupValues &startup() const { return m_startup; }
+    // What the restoring of the default data did during Load.
+    const CopyFilesReport &copyFilesReport() const { return m_copyFilesReport; }
 
     // The work frame of function index (0-5); each holds an empty QVBoxLayout to fill.
     QFrame *TabFrame(int index) const;
@@ -181,6 +184,7 @@ private:
     void openFunction(int index, bool byTab);
 
     StartupValues m_startup;
+    CopyFilesReport m_copyFilesReport;
     QFrame *m_startFrame = nullptr;
     QTabBar *m_tabStrip = nullptr;
     QStackedWidget *m_pages = nullptr;

@@ -1,5 +1,6 @@
 #include "frmMain.h"
 
+#include "DefaultData.h"
 #include "Folders.h"
 #include "GuiJobUi.h"
 #include "JobState.h"
@@ -85,8 +86,7 @@ void frmMain::Load()
     const QString entry = setting("entry");
 
     Folders::MakeFolderTree();
-    // TODO: CopyFiles(jobUi()) from DefaultData.h restores the default data once it is in the
-    // tree; until then the data tree is made without its master copies.
+    m_copyFilesReport = CopyFiles(*m_jobUi);
 
     if (entry.isEmpty()) {
         PromptForSetup();
