@@ -87,6 +87,7 @@ QSize ScaledSize(QSize size, double percent)
 QSize PictureSize(const QString &path, QString *error)
 {
     QImageReader reader(path);
+    reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
     QSize size = reader.size();
     if (!size.isValid()) {
@@ -102,6 +103,8 @@ PictureResult LoadPicture(const QString &path, QSize atLeast)
     if (!QFileInfo(path).isFile())
         return {QImage(), QStringLiteral("File not found: ") + path};
     QImageReader reader(path);
+    // The content decides: a ".dib" is a bitmap, and a file may carry the wrong extension.
+    reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
     reader.setAllocationLimit(int(PictureMemoryBudget / (1024 * 1024)));
     const QSize stored = reader.size();
@@ -110,12 +113,25 @@ PictureResult LoadPicture(const QString &path, QSize atLeast)
     const bool swap = swapsSides(reader);
     QSize decoded = stored;
     if (atLeast.isValid() && reader.supportsOption(QImageIOHandler::ScaledSize)) {
-        QSize wanted = swap ? atLeast.transposed() : atLeast;
-        wanted = wanted.boundedTo(stored);
-        // The JPEG decoder scales by 1/2, 1/4 or 1/8 while it decodes and smooths the rest.
+        QSize wanted = (swap ? atLeast.transposed() : atLeast).boundedTo(stored);
+        // The JPEG decoder scales by 1/2, 1/4 or 1/8 while it decodes (the whole part of the
+        // ratio, rounded down to one of these) and smooths the rest of the way.
+        int factor = std::min(stored.width() / wanted.width(), stored.height() / wanted.height());
+        factor = factor >= 8 ? 8 : factor >= 4 ? 4 : factor >= 2 ? 2 : 1;
+        const auto atFactor = [&stored](int f) {
+            return QSize((stored.width() + f - 1) / f, (stored.height() + f - 1) / f);
+        };
+        if (bytesOf(atFactor(factor)) > PictureMemoryBudget) {
+            // Decoding at that scale would not fit: decode smaller and let the caller scale up
+            // the last step.
+            while (factor < 8 && bytesOf(atFactor(factor)) > PictureMemoryBudget)
+                factor *= 2;
+            wanted =
+                QSize(std::max(1, stored.width() / factor), std::max(1, stored.height() / factor));
+        }
         reader.setScaledSize(wanted);
         reader.setQuality(100);
-        decoded = wanted;
+        decoded = atFactor(factor);
     }
     if (tooLarge(decoded))
         return {QImage(), tooLargeText(swap ? decoded.transposed() : decoded)};
