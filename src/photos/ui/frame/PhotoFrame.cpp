@@ -92,6 +92,7 @@ void PhotoFrame::installBuildAllButton(QAbstractButton *button)
     button->setMinimumHeight(40);
     button->setParent(m_ready);
     m_ready->buildArea()->addWidget(button);
+    button->show();
 }
 
 void PhotoFrame::addSettingsField(const QString &caption, QWidget *field)

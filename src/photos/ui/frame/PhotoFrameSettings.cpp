@@ -250,6 +250,9 @@ void PhotoFrameSettings::Command1_Click(int index)
             continue;
         m_resize[0]->setText(QLatin1String(row.thumbnail));
         m_resize[1]->setText(QLatin1String(row.expanded));
+        // A box that already held the value saw no change: the short cut writes both anyway.
+        SaveSetting(resizeKey(0), m_resize[0]->text());
+        SaveSetting(resizeKey(1), m_resize[1]->text());
     }
 }
 
