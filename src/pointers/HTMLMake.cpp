@@ -2,6 +2,7 @@
 
 #include "JobState.h"
 #include "JobUi.h"
+#include "RecordFile.h"
 #include "Settings.h"
 
 #include <QClipboard>
@@ -84,11 +85,10 @@ QString RemoveFTPRoot(const QString &path)
 
 QString MakePointer(const QString &path, const QString &blank)
 {
-    QString text = RemoveFTPRoot(path);
+    const QString text = RemoveFTPRoot(path);
     if (IsLocalPointer(text))
         return text;
-    text.replace(QLatin1Char(' '), blank);
-    return CompletePointer(text);
+    return CompletePointer(ReplaceSpaces(text, blank));
 }
 
 bool IsLocalPointer(const QString &pointer)
@@ -184,6 +184,22 @@ void PutHTMLClipboard(JobUi &ui, const QString &fragment, QString &head, QString
                       const QString &plainText)
 {
     ui.SetClipboard(MakeHTMLClipboardData(fragment, head, tail, plainText));
+}
+
+void CopyPagePointerAsLink(JobUi &ui, const QString &pagePointer, const QString &FileName)
+{
+    const QString url = HttpPrefix + RemoveFTPRoot(pagePointer);
+    QString head = PointerLinkHead();
+    QString tail = PointerLinkTail();
+    PutHTMLClipboard(
+        ui, PointerLinkFragment(url, QStringLiteral("Click Here to view photos of ") + FileName),
+        head, tail, url);
+    ui.Message(QStringLiteral("The Web page pointer has been copied to the clipboard. Using the "
+                              "Paste (<ctrl> v) will retrieve the pointer. IMPORTANT: If this is "
+                              "added to an e-mail, the e-mail should be in HTML format. This "
+                              "option is typically found in your e-mail program under 'Tools', "
+                              "'Options...', then select the 'Mail Format' tab"),
+               QStringLiteral("Upload complete"));
 }
 
 QString GetHTMLClipboard(const QMimeData *data)

@@ -72,6 +72,11 @@ QMimeData *MakeHTMLClipboardData(const QString &fragment, QString &head, QString
 void PutHTMLClipboard(JobUi &ui, const QString &fragment, QString &head, QString &tail,
                       const QString &plainText = QString());
 
+// The photo page's pointer as a link, from the main window: url "http://" followed by
+// RemoveFTPRoot(pagePointer), label "Click Here to view photos of " and FileName; then tells
+// the user so in a message titled "Upload complete".
+void CopyPagePointerAsLink(JobUi &ui, const QString &pagePointer, const QString &FileName);
+
 // The fragment part of an "HTML Format" entry: the text between the offsets behind
 // "StartFragment:" and "EndFragment:" (bytes, the text measured up to its first NUL). Empty when
 // there is no such entry, either offset is below 1, or they make no span inside the text.

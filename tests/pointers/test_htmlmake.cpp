@@ -289,6 +289,26 @@ private slots:
         QCOMPARE(GetHTMLClipboard(nullptr), QString());
     }
 
+    void pagePointerAsLink()
+    {
+        SaveSetting(QStringLiteral("FTPRoot"), QStringLiteral("public_html"));
+        ScriptedUi ui;
+        CopyPagePointerAsLink(ui, QStringLiteral("www.site.com/public_html/Photos/Trip/Photos.htm"),
+                              QStringLiteral("Trip to NY"));
+        QVERIFY(ui.clipboard);
+        QCOMPARE(GetHTMLClipboard(ui.clipboard.get()),
+                 QStringLiteral("<a title=\"http://www.site.com/Photos/Trip/Photos.htm\" "
+                                "href=\"http://www.site.com/Photos/Trip/Photos.htm\">Click Here to "
+                                "view photos of Trip to NY</a></font>"));
+        QCOMPARE(ui.clipboard->text(),
+                 QStringLiteral("http://www.site.com/Photos/Trip/Photos.htm"));
+        QCOMPARE(ui.messages.size(), 1);
+        QCOMPARE(ui.messages.first().title, QStringLiteral("Upload complete"));
+        QVERIFY(ui.messages.first().text.startsWith(
+            QStringLiteral("The Web page pointer has been copied to the clipboard. Using the Paste "
+                           "(<ctrl> v) will retrieve the pointer. IMPORTANT:")));
+    }
+
     void systemClipboardRoundTrip()
     {
         QClipboard *clipboard = QGuiApplication::clipboard();

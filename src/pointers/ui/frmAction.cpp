@@ -269,9 +269,8 @@ void frmAction::SendEmail_Click()
                                     "Settings button."),
                      QStringLiteral("Tarnwick"), JobUi::Buttons::Ok, JobUi::Icon::Warning);
 
-    if (!m_ui.OpenUrl(QUrl(mailto, QUrl::TolerantMode)))
-        m_ui.Message(QStringLiteral("No application is associated with this file type."),
-                     QStringLiteral("Tarnwick"), JobUi::Buttons::Ok, JobUi::Icon::Warning);
+    // A failure is put into words by the opener itself.
+    m_ui.OpenUrl(QUrl(mailto, QUrl::TolerantMode));
 }
 
 void frmAction::ViewButton_Click()
@@ -280,9 +279,7 @@ void frmAction::ViewButton_Click()
     const QString pointer = trimBlanks(CurrentPointer());
     if (pointer.isEmpty())
         return;
-    if (!m_ui.OpenUrl(pointerUrl(pointer)))
-        m_ui.Message(QStringLiteral("No application is associated with this file type."),
-                     QStringLiteral("Tarnwick"), JobUi::Buttons::Ok, JobUi::Icon::Warning);
+    m_ui.OpenUrl(pointerUrl(pointer));
 }
 
 void frmAction::Timer1_Timer()
