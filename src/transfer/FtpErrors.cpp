@@ -1,0 +1,121 @@
+#include "FtpErrors.h"
+
+#include "FtpConnection.h"
+
+#include <QHash>
+
+namespace FtpErrors {
+
+QString Description(int number)
+{
+    static const QHash<int, QString> texts = {
+        {12001, QStringLiteral("No more handles could be generated at this time")},
+        {12002, QStringLiteral("The request has timed out.")},
+        {12003, QStringLiteral("Extended error returned from server.")},
+        {12004, QStringLiteral("An internal error has occurred.")},
+        {12005, QStringLiteral("URL is invalid.")},
+        {12006, QStringLiteral("URL scheme could not be recognized, or is not supported.")},
+        {12007, QStringLiteral("Server name could not be resolved.")},
+        {12008, QStringLiteral("Requested protocol could not be located.")},
+        {12009, QStringLiteral("Request to InternetQueryOption or InternetSetOption specified an "
+                               "invalid option value.")},
+        {12010, QStringLiteral("Length of an option supplied to InternetQueryOption or "
+                               "InternetSetOption is incorrect for the type of option specified.")},
+        {12011, QStringLiteral("Request option can not be set, only queried. ")},
+        {12012, QStringLiteral("Win32 Internet support is being shutdown or unloaded.")},
+        {12013, QStringLiteral("Request to connect and login to an FTP server could not be "
+                               "completed because the supplied user name is incorrect.")},
+        {12014, QStringLiteral("Request to connect and login to an FTP server could not be "
+                               "completed because the supplied password is incorrect. ")},
+        {12015, QStringLiteral("Request to connect to and login to an FTP server failed.")},
+        {12016, QStringLiteral("Requested operation is invalid. ")},
+        {12017, QStringLiteral("Operation was canceled, usually because the handle on which the "
+                               "request was operating was closed before the operation completed.")},
+        {12018, QStringLiteral("Type of handle supplied is incorrect for this operation.")},
+        {12019, QStringLiteral("Requested operation can not be carried out because the handle "
+                               "supplied is not in the correct state.")},
+        {12020, QStringLiteral("Request can not be made via a proxy.")},
+        {12021, QStringLiteral("Required registry value could not be located. ")},
+        {12022, QStringLiteral("Required registry value was located but is an incorrect type or "
+                               "has an invalid value.")},
+        {12023, QStringLiteral("Direct network access cannot be made at this time. ")},
+        {12024, QStringLiteral("Asynchronous request could not be made because a zero context "
+                               "value was supplied.")},
+        {12025, QStringLiteral("Asynchronous request could not be made because a callback "
+                               "function has not been set.")},
+        {12026, QStringLiteral("Required operation could not be completed because one or more "
+                               "requests are pending.")},
+        {12027, QStringLiteral("Format of the request is invalid.")},
+        {12028, QStringLiteral("Requested item could not be located.")},
+        {12029, QStringLiteral("Attempt to connect to the server failed.")},
+        {12030, QStringLiteral("Connection with the server has been terminated.")},
+        {12031, QStringLiteral("Connection with the server has been reset.")},
+        {12036, QStringLiteral("Request failed because the handle already exists.")},
+    };
+    return texts.value(number, QStringLiteral("Error details not available."));
+}
+
+int NumberFor(CURLcode code, const FtpConnection &connection)
+{
+    switch (code) {
+    case CURLE_OK:
+        return 0;
+    case CURLE_LOGIN_DENIED:
+        return connection.passwordAsked() ? 12014 : 12013;
+    case CURLE_ABORTED_BY_CALLBACK:
+        return OperationCancelled;
+    case CURLE_COULDNT_RESOLVE_HOST:
+        return 12007;
+    case CURLE_COULDNT_CONNECT:
+    case CURLE_FTP_ACCEPT_FAILED:
+    case CURLE_FTP_CANT_GET_HOST:
+    case CURLE_FTP_WEIRD_PASV_REPLY:
+    case CURLE_FTP_WEIRD_227_FORMAT:
+    case CURLE_FTP_PORT_FAILED:
+        return 12029;
+    case CURLE_OPERATION_TIMEDOUT:
+    case CURLE_FTP_ACCEPT_TIMEOUT:
+        return 12002;
+    case CURLE_URL_MALFORMAT:
+        return 12005;
+    case CURLE_UNSUPPORTED_PROTOCOL:
+        return 12006;
+    case CURLE_OUT_OF_MEMORY:
+        return 12001;
+    case CURLE_RECURSIVE_API_CALL:
+        return 12019;
+    case CURLE_SEND_ERROR:
+        return ConnectionReset;
+    case CURLE_RECV_ERROR:
+    case CURLE_PARTIAL_FILE:
+    case CURLE_GOT_NOTHING:
+        return 12030;
+    case CURLE_WEIRD_SERVER_REPLY:
+        // A server that closes the control connection mid-request leaves a reply missing.
+        return connection.lastReply().code >= 400 ? ExtendedError : 12030;
+    case CURLE_READ_ERROR:
+    case CURLE_WRITE_ERROR:
+        return 12004;
+    case CURLE_QUOTE_ERROR:
+    case CURLE_REMOTE_ACCESS_DENIED:
+    case CURLE_REMOTE_FILE_NOT_FOUND:
+    case CURLE_UPLOAD_FAILED:
+    case CURLE_FTP_COULDNT_RETR_FILE:
+    case CURLE_FTP_COULDNT_SET_TYPE:
+    case CURLE_REMOTE_DISK_FULL:
+    case CURLE_REMOTE_FILE_EXISTS:
+        return ExtendedError;
+    default:
+        return connection.lastReply().code >= 400 ? ExtendedError : 12004;
+    }
+}
+
+QString Compose(int number, const QString &operation, const QString &serverReply)
+{
+    if (number == ExtendedError)
+        return serverReply.isEmpty() ? Description(number) : serverReply;
+    return Description(number) + QStringLiteral(" Message: ") + QString::number(number) +
+           QStringLiteral(" error code: ") + operation;
+}
+
+} // namespace FtpErrors

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+
+#include <curl/curl.h>
+
+class FtpConnection;
+
+// The transfer error numbers that the user reads (12001 "No more handles ..." to 12036), and
+// how the library's failures map onto them.
+namespace FtpErrors {
+
+constexpr int ExtendedError = 12003; // the server refused: its last reply is the text
+constexpr int OperationCancelled = 12017;
+constexpr int ConnectionReset = 12031;
+
+// The table's text of a number; "Error details not available." for one it does not hold.
+// 12003 has no fixed text: "Extended error returned from server." stands for it here.
+QString Description(int number);
+
+// The number for a failed request on a connection: a refusal by the server (a 4xx/5xx reply,
+// a refused login) is 12003, 12013 or 12014; the network's failures have their own numbers.
+int NumberFor(CURLcode code, const FtpConnection &connection);
+
+// The text left in GetLastErrorMessage: Description(number), " Message: ", the number,
+// " error code: ", the operation; for 12003 the server's last reply alone (or the description
+// when the server said nothing).
+QString Compose(int number, const QString &operation, const QString &serverReply);
+
+} // namespace FtpErrors

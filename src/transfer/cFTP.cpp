@@ -1,0 +1,507 @@
+#include "cFTP.h"
+
+#include "FtpErrors.h"
+#include "FtpListing.h"
+#include "JobState.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+namespace {
+
+constexpr qint64 BlockSize = 255;
+
+bool hasLineBreak(const QString &text)
+{
+    return text.contains(QLatin1Char('\r')) || text.contains(QLatin1Char('\n'));
+}
+
+QString joinPath(const QString &directory, const QString &relative)
+{
+    if (relative.isEmpty())
+        return directory;
+    if (relative.startsWith(QLatin1Char('/')))
+        return relative;
+    if (directory.endsWith(QLatin1Char('/')))
+        return directory + relative;
+    return directory + QLatin1Char('/') + relative;
+}
+
+} // namespace
+
+QString PathFrom257(const QString &reply)
+{
+    const qsizetype open = reply.indexOf(QLatin1Char('"'));
+    if (open < 0)
+        return QString();
+    QString path;
+    for (qsizetype i = open + 1; i < reply.size(); ++i) {
+        if (reply.at(i) == QLatin1Char('"')) {
+            if (i + 1 < reply.size() && reply.at(i + 1) == QLatin1Char('"')) {
+                path += QLatin1Char('"');
+                ++i;
+                continue;
+            }
+            return path;
+        }
+        path += reply.at(i);
+    }
+    return QString();
+}
+
+cFTP::cFTP(QObject *parent) : QObject(parent), m_state(&JobState::instance()) {}
+
+cFTP::~cFTP() = default;
+
+void cFTP::CloseConnection()
+{
+    if (m_connection && m_connection->busy())
+        return;
+    if (m_connection)
+        m_connection->close();
+    m_connection.reset();
+    m_currentDirectory.clear();
+}
+
+bool cFTP::OpenConnection(const QString &server, const QString &user, const QString &password)
+{
+    m_transferType = FTP_TRANSFER_TYPE_ASCII;
+    m_passiveFlag = 0;
+    const QString operation = QStringLiteral("InternetConnect");
+    if (m_connection && m_connection->busy()) {
+        failWith(12019, operation);
+        return false;
+    }
+    CloseConnection();
+    const FtpAddress address = FtpAddress::fromServerField(server);
+    if (!address.valid) {
+        failWith(12007, operation);
+        return false;
+    }
+    m_connection = std::make_unique<FtpConnection>(address, user, password);
+    FtpConnection::Request request;
+    request.quote = {QStringLiteral("PWD")};
+    const auto result = run(request);
+    const QString entry = result.ok() ? PathFrom257(m_connection->lastReply().text()) : QString();
+    if (!result.ok() || entry.isEmpty()) {
+        if (result.ok())
+            failWith(FtpErrors::ExtendedError, operation);
+        else
+            fail(result, operation);
+        m_connection.reset();
+        return false;
+    }
+    m_server = server;
+    m_user = user;
+    m_currentDirectory = entry;
+    return true;
+}
+
+cFTP::Target cFTP::resolve(const QString &remotePath) const
+{
+    Target target;
+    const qsizetype slash = remotePath.lastIndexOf(QLatin1Char('/'));
+    if (slash < 0) {
+        target.directory = m_currentDirectory;
+        target.name = remotePath;
+    } else {
+        const QString part = slash == 0 ? QStringLiteral("/") : remotePath.left(slash);
+        target.directory = joinPath(m_currentDirectory, part);
+        target.name = remotePath.mid(slash + 1);
+    }
+    return target;
+}
+
+FtpConnection::Result cFTP::run(const FtpConnection::Request &request)
+{
+    JobState *state = m_state;
+    const bool wasCancelled = state && state->UploadCancelled;
+    const bool wasSkipped = state && state->skipped();
+    m_connection->cancelRequested = [state, wasCancelled, wasSkipped] {
+        return state &&
+               ((!wasCancelled && state->UploadCancelled) || (!wasSkipped && state->skipped()));
+    };
+    return m_connection->perform(request);
+}
+
+bool cFTP::requireConnection(const QString &operation)
+{
+    if (!m_connection) {
+        failWith(12019, operation);
+        return false;
+    }
+    if (m_connection->busy()) {
+        failWith(12019, operation);
+        return false;
+    }
+    return true;
+}
+
+void cFTP::fail(const FtpConnection::Result &result, const QString &operation)
+{
+    const int number = result.cancelled ? FtpErrors::OperationCancelled
+                                        : FtpErrors::NumberFor(result.code, *m_connection);
+    m_lastErrorMessage = FtpErrors::Compose(number, operation, m_connection->lastReply().text());
+}
+
+void cFTP::failWith(int number, const QString &operation)
+{
+    const QString reply = m_connection ? m_connection->lastReply().text() : QString();
+    m_lastErrorMessage = FtpErrors::Compose(number, operation, reply);
+}
+
+void cFTP::failLocal(const QString &reason, const QString &operation)
+{
+    m_lastErrorMessage = reason + QStringLiteral(" Message: 2 error code: ") + operation;
+}
+
+bool cFTP::runCommands(const QStringList &commands, const QString &operation,
+                       const QString &directory)
+{
+    if (!requireConnection(operation))
+        return false;
+    for (const QString &command : commands) {
+        if (hasLineBreak(command)) {
+            failWith(12016, operation);
+            return false;
+        }
+    }
+    FtpConnection::Request request;
+    // The move to the kept directory must work, or the commands would act elsewhere; the
+    // commands themselves may fail without losing the connection, and their replies tell.
+    request.quote.append(QStringLiteral("CWD ") +
+                         (directory.isEmpty() ? m_currentDirectory : directory));
+    for (const QString &command : commands)
+        request.quote.append(QLatin1Char('*') + command);
+    const auto result = run(request);
+    if (!result.ok()) {
+        fail(result, operation);
+        return false;
+    }
+    const QList<FtpReply> &replies = m_connection->replies();
+    const qsizetype expected = commands.size() + 1;
+    if (replies.size() < expected) {
+        failWith(12030, operation);
+        return false;
+    }
+    for (qsizetype i = replies.size() - commands.size(); i < replies.size(); ++i) {
+        if (replies[i].code >= 400) {
+            m_lastErrorMessage =
+                FtpErrors::Compose(FtpErrors::ExtendedError, operation, replies[i].text());
+            return false;
+        }
+    }
+    return true;
+}
+
+bool cFTP::RenameFTPFile(const QString &oldName, const QString &newName)
+{
+    return runCommands({QStringLiteral("RNFR ") + oldName, QStringLiteral("RNTO ") + newName},
+                       QStringLiteral("RenameFTPFile"));
+}
+
+bool cFTP::CreateFTPDirectory(const QString &name)
+{
+    return runCommands({QStringLiteral("MKD ") + name}, QStringLiteral("CreateFTPDirectory"));
+}
+
+bool cFTP::RemoveFTPDirectory(const QString &name)
+{
+    return runCommands({QStringLiteral("RMD ") + name}, QStringLiteral("RemoveFTPDirectory"));
+}
+
+bool cFTP::DeleteFTPFile(const QString &name)
+{
+    return runCommands({QStringLiteral("DELE ") + name}, QStringLiteral("DeleteFTPFile"));
+}
+
+QString cFTP::GetFTPDirectory()
+{
+    const QString operation = QStringLiteral("FtpGetCurrentDirectory");
+    if (m_connection && m_connection->busy())
+        return m_currentDirectory;
+    if (!runCommands({QStringLiteral("PWD")}, operation))
+        return QString();
+    const QString path = PathFrom257(m_connection->lastReply().text());
+    if (path.isEmpty()) {
+        failWith(FtpErrors::ExtendedError, operation);
+        return QString();
+    }
+    m_currentDirectory = path;
+    return path;
+}
+
+bool cFTP::SetFTPDirectory(const QString &path)
+{
+    const QString operation = QStringLiteral("FtpSetCurrentDirectory");
+    if (!runCommands({QStringLiteral("CWD ") + path, QStringLiteral("PWD")}, operation))
+        return false;
+    const QString confirmed = PathFrom257(m_connection->lastReply().text());
+    if (confirmed.isEmpty()) {
+        failWith(FtpErrors::ExtendedError, operation);
+        return false;
+    }
+    m_currentDirectory = confirmed;
+    return true;
+}
+
+bool cFTP::fetchListing(const QString &directory, QByteArray &listing, const QString &operation)
+{
+    if (!requireConnection(operation))
+        return false;
+    if (hasLineBreak(directory)) {
+        failWith(12016, operation);
+        return false;
+    }
+    FtpConnection::Request request;
+    request.kind = FtpConnection::Request::Kind::List;
+    request.quote = {QStringLiteral("CWD ") + directory};
+    request.write = [&listing](const char *data, size_t size) {
+        listing.append(data, static_cast<qsizetype>(size));
+        return true;
+    };
+    const auto result = run(request);
+    if (!result.ok()) {
+        fail(result, operation);
+        return false;
+    }
+    return true;
+}
+
+qint64 cFTP::GetFTPFileSize(const QString &remoteName)
+{
+    const Target target = resolve(remoteName);
+    QByteArray listing;
+    if (!fetchListing(target.directory, listing, QStringLiteral("FtpFindFirstFile")))
+        return -2;
+    const QList<cDirItem> items = FtpListing::Parse(listing);
+    for (const cDirItem &item : items) {
+        if (item.Name == target.name)
+            return item.Size;
+    }
+    for (const cDirItem &item : items) {
+        if (FtpListing::MatchesFilter(item.Name, target.name))
+            return item.Size;
+    }
+    return -1;
+}
+
+const cDirList *cFTP::GetDirectoryListing(const QString &filter)
+{
+    m_directoryList.Clear();
+    Target target;
+    if (filter.contains(QLatin1Char('/')))
+        target = resolve(filter);
+    else
+        target = {m_currentDirectory, filter};
+    QByteArray listing;
+    if (!fetchListing(target.directory, listing, QStringLiteral("FtpFindFirstFile")))
+        return nullptr;
+    for (const cDirItem &item : FtpListing::Parse(listing)) {
+        if (FtpListing::MatchesFilter(item.Name, target.name))
+            m_directoryList.Add(item);
+    }
+    return m_directoryList.Count() > 0 ? &m_directoryList : nullptr;
+}
+
+bool cFTP::SimpleFTPPutFile(const QString &localPath, const QString &remotePath)
+{
+    const QString operation = QStringLiteral("SimpleFtpPutFile");
+    if (!requireConnection(operation))
+        return false;
+    QFile file(localPath);
+    if (!file.open(QIODevice::ReadOnly)) {
+        failLocal(file.errorString() + QStringLiteral(": ") + localPath, operation);
+        return false;
+    }
+    const Target target = resolve(remotePath);
+    if (hasLineBreak(target.directory) || target.name.isEmpty()) {
+        failWith(12016, operation);
+        return false;
+    }
+    FtpConnection::Request request;
+    request.kind = FtpConnection::Request::Kind::Store;
+    request.ascii = m_transferType == FTP_TRANSFER_TYPE_ASCII;
+    request.quote = {QStringLiteral("CWD ") + target.directory};
+    request.fileName = target.name;
+    request.uploadSize = file.size();
+    request.read = [&file](char *buffer, size_t size) -> size_t {
+        const qint64 got = file.read(buffer, static_cast<qint64>(size));
+        return got < 0 ? CURL_READFUNC_ABORT : static_cast<size_t>(got);
+    };
+    const auto result = run(request);
+    if (!result.ok()) {
+        fail(result, operation);
+        return false;
+    }
+    return true;
+}
+
+bool cFTP::SimpleFTPGetFile(const QString &localPath, const QString &remotePath)
+{
+    const QString operation = QStringLiteral("SimpleFtpGetFile");
+    if (!requireConnection(operation))
+        return false;
+    const Target target = resolve(remotePath);
+    if (hasLineBreak(target.directory) || target.name.isEmpty()) {
+        failWith(12016, operation);
+        return false;
+    }
+    QSaveFile file(localPath);
+    if (!file.open(QIODevice::WriteOnly)) {
+        failLocal(file.errorString() + QStringLiteral(": ") + localPath, operation);
+        return false;
+    }
+    FtpConnection::Request request;
+    request.kind = FtpConnection::Request::Kind::Retrieve;
+    request.ascii = m_transferType == FTP_TRANSFER_TYPE_ASCII;
+    request.quote = {QStringLiteral("CWD ") + target.directory};
+    request.fileName = target.name;
+    request.write = [&file](const char *data, size_t size) {
+        return file.write(data, static_cast<qint64>(size)) == static_cast<qint64>(size);
+    };
+    const auto result = run(request);
+    if (!result.ok()) {
+        file.cancelWriting();
+        fail(result, operation);
+        return false;
+    }
+    if (!file.commit()) {
+        failLocal(file.errorString() + QStringLiteral(": ") + localPath, operation);
+        return false;
+    }
+    return true;
+}
+
+bool cFTP::FTPUploadFile(const QString &localPath, const QString &remotePath)
+{
+    const QString local = localPath.trimmed();
+    const QString remote = remotePath.trimmed();
+    if (local.isEmpty() || remote.isEmpty())
+        return false;
+    QString operation = QStringLiteral("FtpOpenFile:PutFile");
+    if (!requireConnection(operation))
+        return false;
+    QFile file(local);
+    if (!file.open(QIODevice::ReadOnly)) {
+        failLocal(file.errorString() + QStringLiteral(": ") + local, operation);
+        return false;
+    }
+    const Target target = resolve(remote);
+    if (hasLineBreak(target.directory) || target.name.isEmpty()) {
+        failWith(12016, operation);
+        return false;
+    }
+    const qint64 length = file.size();
+    const qint64 fullBlocks = length / BlockSize;
+    qint64 blocksHanded = 0;
+    qint64 handed = 0;
+
+    FtpConnection::Request request;
+    request.kind = FtpConnection::Request::Kind::Store;
+    request.ascii = m_transferType == FTP_TRANSFER_TYPE_ASCII;
+    request.quote = {QStringLiteral("CWD ") + target.directory};
+    request.fileName = target.name;
+    request.uploadSize = length;
+    // The library is handed whole blocks of 255 bytes (and the short last one), and each full
+    // block raises the progress event as it goes.
+    request.read = [&](char *buffer, size_t size) -> size_t {
+        size_t filled = 0;
+        while (filled + BlockSize <= size && blocksHanded < fullBlocks) {
+            if (file.read(buffer + filled, BlockSize) != BlockSize)
+                return CURL_READFUNC_ABORT;
+            filled += BlockSize;
+            handed += BlockSize;
+            ++blocksHanded;
+            emit FileTransferProgress(handed, length);
+        }
+        if (filled == 0 && blocksHanded == fullBlocks && handed < length) {
+            const qint64 rest = length - handed;
+            if (static_cast<qint64>(size) < rest || file.read(buffer, rest) != rest)
+                return CURL_READFUNC_ABORT;
+            handed += rest;
+            return static_cast<size_t>(rest);
+        }
+        return filled;
+    };
+    const auto result = run(request);
+    if (!result.ok()) {
+        if (handed > 0)
+            operation = handed > fullBlocks * BlockSize ? QStringLiteral("InternetWriteFile2")
+                                                        : QStringLiteral("InternetWriteFile");
+        fail(result, operation);
+        return false;
+    }
+    emit FileTransferProgress(length, length);
+    return true;
+}
+
+bool cFTP::FTPDownloadFile(const QString &localPath, const QString &remotePath)
+{
+    const QString local = localPath.trimmed();
+    const QString remote = remotePath.trimmed();
+    if (local.isEmpty() || remote.isEmpty())
+        return false;
+    const qint64 size = GetFTPFileSize(remote);
+    if (size <= 0)
+        return false;
+    QString operation = QStringLiteral("FtpOpenFile:GetFile");
+    emit DownloadBarShown(size);
+    struct HideBar
+    {
+        cFTP *ftp;
+        ~HideBar() { emit ftp->DownloadBarHidden(); }
+    } hideBar{this};
+
+    if (!requireConnection(operation))
+        return false;
+    const Target target = resolve(remote);
+    QSaveFile file(local);
+    if (!file.open(QIODevice::WriteOnly)) {
+        failLocal(file.errorString() + QStringLiteral(": ") + local, operation);
+        return false;
+    }
+    const qint64 fullBlocks = size / BlockSize;
+    qint64 received = 0;
+    qint64 blocksDone = 0;
+    bool localFailed = false;
+
+    FtpConnection::Request request;
+    request.kind = FtpConnection::Request::Kind::Retrieve;
+    request.ascii = m_transferType == FTP_TRANSFER_TYPE_ASCII;
+    request.quote = {QStringLiteral("CWD ") + target.directory};
+    request.fileName = target.name;
+    request.write = [&](const char *data, size_t count) {
+        if (file.write(data, static_cast<qint64>(count)) != static_cast<qint64>(count)) {
+            localFailed = true;
+            return false;
+        }
+        received += static_cast<qint64>(count);
+        while (blocksDone < fullBlocks && (blocksDone + 1) * BlockSize <= received) {
+            ++blocksDone;
+            emit FileTransferProgress(blocksDone * BlockSize, size);
+            emit DownloadBarValue(blocksDone * BlockSize);
+        }
+        return true;
+    };
+    const auto result = run(request);
+    if (!result.ok() || localFailed) {
+        file.cancelWriting();
+        if (localFailed) {
+            failLocal(file.errorString() + QStringLiteral(": ") + local,
+                      QStringLiteral("InternetReadFile"));
+            return false;
+        }
+        if (received > 0)
+            operation = received > fullBlocks * BlockSize ? QStringLiteral("InternetReadFile2")
+                                                          : QStringLiteral("InternetReadFile");
+        fail(result, operation);
+        return false;
+    }
+    if (!file.commit()) {
+        failLocal(file.errorString() + QStringLiteral(": ") + local, operation);
+        return false;
+    }
+    emit FileTransferProgress(received, size);
+    return true;
+}

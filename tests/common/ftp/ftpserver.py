@@ -1,0 +1,220 @@
+#!/usr/bin/python3
+"""A local FTP server for Tarnwick's tests and for trying the program by hand.
+
+Serves one folder to one user on 127.0.0.1. With --port 0 a free port is taken. Once the
+server listens it prints one line "PORT <number>" on standard output and flushes it.
+
+Faults for the tests (--fault, may be given more than once):
+  refuse-login       every login is refused with 530
+  stor-550           every STOR is answered "550 Permission denied."
+  stor-552           every STOR is answered "552 Requested file action aborted. Exceeded storage allocation."
+  dele-550           every DELE is answered "550 Permission denied."
+  rnto-553           every RNTO is answered "553 Rename not allowed."
+  drop-after=N       the first --times uploads are cut after N bytes: data and control
+                     connections closed without a reply
+  stall-after=N      the first --times uploads stop being read after N bytes, and the server
+                     answers nothing more on that session
+  stall-retr         downloads send nothing and the session answers nothing more
+  silent             connections are accepted and never greeted
+  dos-listing        LIST answers in the DOS/IIS format
+Every command the server receives is appended to --command-log, one line each
+("<session> <COMMAND> <argument>"; the password is not written).
+"""
+
+import argparse
+import logging
+import os
+import socket
+import sys
+import threading
+import time
+
+from pyftpdlib.authorizers import DummyAuthorizer
+from pyftpdlib.filesystems import AbstractedFS
+from pyftpdlib.handlers import DTPHandler, FTPHandler
+from pyftpdlib.log import config_logging
+from pyftpdlib.servers import FTPServer
+
+
+class Options:
+    faults = {}
+    times = 1
+    command_log = None
+    uploads_cut = 0
+    session_count = 0
+    lock = threading.Lock()
+
+
+def log_command(session, line):
+    if not Options.command_log:
+        return
+    with Options.lock:
+        with open(Options.command_log, "a", encoding="utf-8") as f:
+            f.write("%d %s\n" % (session, line))
+
+
+def take_cut():
+    """True while the first --times uploads are still to be cut."""
+    with Options.lock:
+        if Options.uploads_cut < Options.times:
+            Options.uploads_cut += 1
+            return True
+    return False
+
+
+class FaultDTPHandler(DTPHandler):
+    cut_after = None
+    stall_after = None
+
+    def enable_receiving(self, type, cmd):
+        if cmd == "STOR":
+            if "drop-after" in Options.faults and take_cut():
+                self.cut_after = int(Options.faults["drop-after"])
+            elif "stall-after" in Options.faults and take_cut():
+                self.stall_after = int(Options.faults["stall-after"])
+        super().enable_receiving(type, cmd)
+
+    def handle_read(self):
+        if self.stall_after is not None and self.tot_bytes_received >= self.stall_after:
+            # Stop reading for good; the control session is silenced too.
+            self.receive = False
+            self.cmd_channel.silenced = True
+            return
+        super().handle_read()
+        if self.cut_after is not None and self.tot_bytes_received >= self.cut_after:
+            self.file_obj.flush()
+            cmd = self.cmd_channel
+            cmd.silenced = True
+            self.cut_after = None
+            # A hard cut: no reply, both connections gone.
+            try:
+                self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER,
+                                       b"\x01\x00\x00\x00\x00\x00\x00\x00")
+            except OSError:
+                pass
+            self.close()
+            cmd.close()
+
+    handle_read_event = handle_read
+
+    def readable(self):
+        if self.stall_after is not None and self.cmd_channel.silenced:
+            return False
+        return super().readable()
+
+
+class FaultHandler(FTPHandler):
+    dtp_handler = FaultDTPHandler
+    silenced = False
+
+    def on_connect(self):
+        with Options.lock:
+            Options.session_count += 1
+            self.session_number = Options.session_count
+
+    def respond(self, resp, logfun=None):
+        if self.silenced:
+            return
+        if logfun is None:
+            super().respond(resp)
+        else:
+            super().respond(resp, logfun)
+
+    def pre_process_command(self, line, cmd, arg):
+        if self.silenced:
+            return
+        shown = "PASS ****" if cmd == "PASS" else line
+        log_command(getattr(self, "session_number", 0), shown)
+        if cmd == "PASS" and "refuse-login" in Options.faults:
+            self.respond("530 Authentication failed.")
+            return
+        if cmd == "STOR" and "stor-550" in Options.faults:
+            self.respond("550 Permission denied.")
+            return
+        if cmd == "STOR" and "stor-552" in Options.faults:
+            self.respond("552 Requested file action aborted. Exceeded storage allocation.")
+            return
+        if cmd == "DELE" and "dele-550" in Options.faults:
+            self.respond("550 Permission denied.")
+            return
+        if cmd == "RNTO" and "rnto-553" in Options.faults:
+            self.respond("553 Rename not allowed.")
+            return
+        if cmd == "RETR" and "stall-retr" in Options.faults:
+            self.silenced = True
+            return
+        super().pre_process_command(line, cmd, arg)
+
+
+class DosFS(AbstractedFS):
+    def format_list(self, basedir, listing, ignore_err=True):
+        for basename in listing:
+            path = os.path.join(basedir, basename)
+            try:
+                st = self.lstat(path)
+            except OSError:
+                if ignore_err:
+                    continue
+                raise
+            stamp = time.strftime("%m-%d-%y  %I:%M%p", time.gmtime(st.st_mtime))
+            if self.isdir(path):
+                middle = "%-20s" % "<DIR>"
+            else:
+                middle = "%20d" % st.st_size
+            yield ("%s %s %s\r\n" % (stamp, middle, basename)).encode("utf8", self.cmd_channel.unicode_errors)
+
+
+def serve_silent(sock):
+    held = []
+    while True:
+        conn, _ = sock.accept()
+        held.append(conn)
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--home", required=True)
+    parser.add_argument("--user", default="tarnwick")
+    parser.add_argument("--password", default="secret")
+    parser.add_argument("--port", type=int, default=0)
+    parser.add_argument("--fault", action="append", default=[])
+    parser.add_argument("--times", type=int, default=1)
+    parser.add_argument("--perm", default="elradfmwMT")
+    parser.add_argument("--command-log")
+    args = parser.parse_args()
+
+    for fault in args.fault:
+        name, _, value = fault.partition("=")
+        Options.faults[name] = value
+    Options.times = args.times
+    Options.command_log = args.command_log
+
+    if "silent" in Options.faults:
+        sock = socket.socket(socket.AF_INET, socket.SOCK_STREAM)
+        sock.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+        sock.bind(("127.0.0.1", args.port))
+        sock.listen(16)
+        print("PORT %d" % sock.getsockname()[1], flush=True)
+        serve_silent(sock)
+        return
+
+    authorizer = DummyAuthorizer()
+    authorizer.add_user(args.user, args.password, os.path.abspath(args.home), perm=args.perm)
+    handler = FaultHandler
+    handler.authorizer = authorizer
+    handler.banner = "Tarnwick test server ready."
+    handler.passive_ports = None
+    if "dos-listing" in Options.faults:
+        handler.abstracted_fs = DosFS
+    config_logging(level=logging.WARNING)
+    server = FTPServer(("127.0.0.1", args.port), handler)
+    server.max_cons = 256
+    print("PORT %d" % server.address[1], flush=True)
+    try:
+        server.serve_forever(handle_exit=True)
+    finally:
+        server.close_all()
+
+
+if __name__ == "__main__":
+    sys.exit(main())
