@@ -261,8 +261,10 @@ private slots:
             ui.clipboard->html(),
             QStringLiteral("<HTML><BODY><FONT FACE=Arial SIZE=1 COLOR=BLUE><!--StartFragment -->") +
                 fragment + QStringLiteral("<!--EndFragment --></FONT></BODY></HTML>"));
-        QVERIFY(CurrentPointer().startsWith(QStringLiteral("http://")));
-        QCOMPARE(ui.clipboard->text(), CurrentPointer());
+        QVERIFY(
+            fragment.contains(QStringLiteral("\"") + ui.clipboard->text() + QStringLiteral("\"")));
+        QVERIFY(CurrentPointer().startsWith(QStringLiteral("http://")) ||
+                CurrentPointer().startsWith(QLatin1Char('/')));
         const QByteArray entry = ui.clipboard->data(GetHTMLFormat());
         QVERIFY(entry.startsWith("Version:1.0\r\nStartHTML:0000000105\r\n"));
 

@@ -7,6 +7,7 @@
 #include "PictureLoader.h"
 #include "frmZoom.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QDir>
 #include <QEvent>
@@ -19,6 +20,7 @@
 #include <QListView>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <cmath>
@@ -58,6 +60,12 @@ frmDialogPg::frmDialogPg(bool PickerShowsImages, const QString &startFolder, QWi
     setObjectName(QStringLiteral("frmDialogPg"));
     setWindowTitle(QStringLiteral("Select Directory"));
     buildForm();
+
+    m_timer = new QTimer(this);
+    m_timer->setObjectName(QStringLiteral("Timer1"));
+    m_timer->setInterval(500);
+    connect(m_timer, &QTimer::timeout, this, &frmDialogPg::Timer1_Timer);
+    m_timer->start();
 
     m_files->setPattern(PickerShowsImages ? ImagePattern() : AllFilesPattern());
     if (!m_dir->setPath(startFolder))
@@ -347,6 +355,17 @@ void frmDialogPg::CancelButton_Click()
 {
     m_newPath->clear();
     reject();
+}
+
+void frmDialogPg::Timer1_Timer()
+{
+    if (!isVisible() || (m_zoom && m_zoom->isVisible()))
+        return;
+    QWidget *active = QApplication::activeWindow();
+    if (active != nullptr && active == parentWidget()) {
+        raise();
+        activateWindow();
+    }
 }
 
 bool frmDialogPg::eventFilter(QObject *watched, QEvent *event)

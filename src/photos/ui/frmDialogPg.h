@@ -11,6 +11,7 @@ class QLabel;
 class QLineEdit;
 class QListView;
 class QPushButton;
+class QTimer;
 class frmZoom;
 
 // "Select Directory": the program's own folder picker. The drive list, the folder list and
@@ -20,6 +21,9 @@ class frmZoom;
 //
 // NewPath is the result: the chosen folder, or "" when the user cancelled (Cancel, Escape or the
 // close box). OK takes the folder only when the highlighted folder is the open one.
+//
+// While no zoom window is open, Timer1 brings the picker back above its parent window should
+// the parent have come to the front; it never reaches over other programs.
 class frmDialogPg final : public QDialog
 {
     Q_OBJECT
@@ -61,6 +65,7 @@ private:
     void Image2_DblClick();
     void OKButton_Click();
     void CancelButton_Click();
+    void Timer1_Timer();
     bool openFolder(const QString &folder);
     void showMessage(const QString &text);
 
@@ -76,5 +81,6 @@ private:
     QLabel *m_image5 = nullptr;
     QLabel *m_label1 = nullptr;
     QLabel *m_label2 = nullptr;
+    QTimer *m_timer = nullptr;
     QPointer<frmZoom> m_zoom;
 };

@@ -233,7 +233,10 @@ void frmAction::CopyPointerToClipButton_Click()
 
     CurrentPointer() = CompletePointer(CurrentPointer());
     m_pointerText->setText(CurrentPointer());
-    const QString pointer = CurrentPointer();
+    // A link to a local file needs a file address to work where it is pasted.
+    const QString pointer = IsLocalPointer(CurrentPointer())
+                                ? pointerUrl(CurrentPointer()).toString(QUrl::FullyEncoded)
+                                : CurrentPointer();
     QString head = PointerLinkHead();
     QString tail = PointerLinkTail();
     PutHTMLClipboard(m_ui, PointerLinkFragment(pointer, label), head, tail, pointer);

@@ -361,6 +361,28 @@ private slots:
         QCOMPARE(form.filePath(), QStringLiteral("/"));
     }
 
+    void timerBringsThePickerBackOverItsParent()
+    {
+        QWidget owner;
+        owner.show();
+        frmDialogPg form(true, m_pictures.path(), &owner);
+        form.show();
+        QVERIFY(form.findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
+        owner.activateWindow();
+        QTRY_COMPARE(QApplication::activeWindow(), &owner);
+        QTRY_COMPARE_WITH_TIMEOUT(QApplication::activeWindow(), &form, 3000);
+
+        // With the zoom window open, the picker stays where the user put it.
+        click(form, "ViewContentButton");
+        clickFile(form, QStringLiteral("wide.jpg"));
+        QTest::mouseDClick(child<QLabel>(form, "Image2"), Qt::LeftButton);
+        QVERIFY(form.zoomWindow() != nullptr);
+        owner.activateWindow();
+        QTRY_COMPARE(QApplication::activeWindow(), &owner);
+        QTest::qWait(1200);
+        QCOMPARE(QApplication::activeWindow(), &owner);
+    }
+
     void pickFolderReturnsTheChoice()
     {
         QTimer::singleShot(50, this, [] {
