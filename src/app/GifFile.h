@@ -14,4 +14,7 @@ class QImage;
 // leaves a half-written GIF at path nor destroys a file already there. Returns false (and sets
 // *error when given) for a null image, an image larger than 65535 pixels on a side, or a file
 // that can't be written.
+//
+// Reentrant: it touches nothing but its arguments, so a large picture may be written on a worker
+// thread (a 4000 x 3000 photo takes most of a second).
 bool WriteGifFile(const QImage &image, const QString &path, QString *error = nullptr);
