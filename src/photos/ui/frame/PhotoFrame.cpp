@@ -7,6 +7,8 @@
 #include "ReadyToSendPage.h"
 #include "Settings.h"
 #include "SettingsKeys.h"
+#include "frmDialogPg.h"
+#include "frmZoom.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>
@@ -114,8 +116,12 @@ void PhotoFrame::useStandardServices()
     }
     if (!m_services.chooseFolder) {
         m_services.chooseFolder = [owner](const QString &start) {
-            return QFileDialog::getExistingDirectory(owner, QStringLiteral("Select Directory"),
-                                                     start);
+            return frmDialogPg::PickFolder(owner, start, true);
+        };
+    }
+    if (!m_services.zoomPicture) {
+        m_services.zoomPicture = [owner](const QString &path) {
+            frmZoom::ShowPicture(path, 0, owner);
         };
     }
     if (!m_services.choosePdfFile) {

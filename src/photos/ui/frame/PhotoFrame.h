@@ -29,7 +29,8 @@ public:
 
     PhotoFrameServices &services() { return m_services; }
     // Fills the services that are still empty with the standard dialogs: the plain input box,
-    // a folder chooser, a PDF file chooser, the colour and font dialogs.
+    // the folder picker frmDialogPg, the zoom window frmZoom, a PDF file chooser, the colour
+    // and font dialogs.
     void useStandardServices();
 
     // Start-up: the working folder from TempPath, the photo directory from CopyPath.

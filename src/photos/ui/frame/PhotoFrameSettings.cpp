@@ -2,6 +2,7 @@
 
 #include "JobUi.h"
 #include "PhotoPage.h"
+#include "PictureSizing.h"
 #include "Settings.h"
 #include "SettingsKeys.h"
 
@@ -33,26 +34,15 @@ const ColourBox colourBoxes[3] = {
     {"PhotoTextColor", "Page Text Color", SettingKey::PhotoTextColor, "#FFFFFF"},
 };
 
-struct CameraRow
+// The camera rows of the photo page: the short cuts that fill the thumbnail and expanded boxes.
+QList<CameraPreset> photoCameraRows()
 {
-    int index;
-    const char *caption;
-    const char *label;
-    const char *thumbnail;
-    const char *expanded;
-};
-
-const CameraRow cameraRows[5] = {
-    {9, "  2%                7%", "8 mega-pixel", "2", "7"},
-    {8, "15%              25%", "5 mega-pixel", "15", "25"},
-    {7, "20%              40%", "3 mega-pixel", "20", "40"},
-    {6, "30%              75%", "1 mega-pixel", "30", "75"},
-    {5, "40%            100%", ".5 mega-pixel", "40", "100"},
-};
-
-QString resizeKey(int index)
-{
-    return index == 0 ? SettingKey::SmlResize : SettingKey::LrgResize;
+    QList<CameraPreset> rows;
+    for (const CameraPreset &preset : CameraTable()) {
+        if (!preset.small.isEmpty())
+            rows.append(preset);
+    }
+    return rows;
 }
 
 } // namespace
@@ -135,16 +125,15 @@ QWidget *PhotoFrameSettings::buildSizeBox()
     auto *sizes = new QGridLayout;
     const QString captions[2] = {QStringLiteral("Thumbnail: % of Original (Reduction)"),
                                  QStringLiteral("Expanded image: % of Original (Reduction)")};
-    const QString defaults[2] = {SettingDefault::SmlResize, SettingDefault::LrgResize};
     for (int i = 0; i < 2; ++i) {
-        m_resize[i] = new QLineEdit(GetSetting(resizeKey(i), defaults[i]), box);
+        m_resize[i] = new QLineEdit(GetSetting(ResizeSettingKey(i), ResizeDefault(i)), box);
         m_resize[i]->setObjectName(QStringLiteral("My_resize_%1").arg(i));
         m_resize[i]->setMaximumWidth(70);
         m_resize[i]->setAlignment(Qt::AlignRight);
         m_resize[i]->installEventFilter(this);
         connect(m_resize[i], &QLineEdit::textChanged, this, [this, i](const QString &text) {
             if (window()->isVisible())
-                SaveSetting(resizeKey(i), text);
+                SaveSetting(ResizeSettingKey(i), text);
         });
         sizes->addWidget(m_resize[i], i, 0);
         sizes->addWidget(new QLabel(captions[i], box), i, 1);
@@ -160,13 +149,13 @@ QWidget *PhotoFrameSettings::buildSizeBox()
     heading->setFont(bold);
     camera->addWidget(heading, 0, 0, 1, 2);
     int line = 1;
-    for (const CameraRow &row : cameraRows) {
-        auto *label = new QLabel(QLatin1String(row.label), box);
-        auto *button = new QPushButton(QLatin1String(row.caption), box);
-        button->setObjectName(QStringLiteral("Command1_%1").arg(row.index));
-        button->setToolTip(QStringLiteral("Thumbnail %1%, expanded image %2%")
-                               .arg(QLatin1String(row.thumbnail), QLatin1String(row.expanded)));
-        const int index = row.index;
+    for (const CameraPreset &row : photoCameraRows()) {
+        auto *label = new QLabel(row.rowLabel, box);
+        auto *button = new QPushButton(row.caption, box);
+        button->setObjectName(QStringLiteral("Command1_%1").arg(row.button));
+        button->setToolTip(
+            QStringLiteral("Thumbnail %1%, expanded image %2%").arg(row.small, row.large));
+        const int index = row.button;
         connect(button, &QPushButton::clicked, this, [this, index] { Command1_Click(index); });
         camera->addWidget(label, line, 0);
         camera->addWidget(button, line, 1);
@@ -245,24 +234,21 @@ void PhotoFrameSettings::PhotoFont_Click()
 
 void PhotoFrameSettings::Command1_Click(int index)
 {
-    for (const CameraRow &row : cameraRows) {
-        if (row.index != index)
-            continue;
-        m_resize[0]->setText(QLatin1String(row.thumbnail));
-        m_resize[1]->setText(QLatin1String(row.expanded));
-        // A box that already held the value saw no change: the short cut writes both anyway.
-        SaveSetting(resizeKey(0), m_resize[0]->text());
-        SaveSetting(resizeKey(1), m_resize[1]->text());
-    }
+    std::array<QString, 3> boxes = {m_resize[0]->text(), m_resize[1]->text(), QString()};
+    if (!ApplyCameraPreset(index, boxes))
+        return;
+    m_resize[0]->setText(boxes[0]);
+    m_resize[1]->setText(boxes[1]);
+    // A box that already held the value saw no change: the short cut writes both anyway.
+    SaveSetting(ResizeSettingKey(0), m_resize[0]->text());
+    SaveSetting(ResizeSettingKey(1), m_resize[1]->text());
 }
 
 void PhotoFrameSettings::My_resize_LostFocus(int index)
 {
-    const double value = NumericValue(m_resize[index]->text());
-    if (value < 2)
-        m_resize[index]->setText(QStringLiteral("2"));
-    else if (value > 120)
-        m_resize[index]->setText(QStringLiteral("120"));
+    const QString limited = LimitResizeText(m_resize[index]->text());
+    if (limited != m_resize[index]->text())
+        m_resize[index]->setText(limited);
 }
 
 void PhotoFrameSettings::AlernateCheck_Click()
