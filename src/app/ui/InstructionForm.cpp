@@ -114,6 +114,8 @@ const PageText Pages[] = {
       "Refer to the manual for more information on utilizing the Advanced  Settings."}},
 };
 
+constexpr int StepsWidth = 520;
+
 const PageText &page(int index)
 {
     return Pages[qBound(0, index, 5)];
@@ -165,6 +167,10 @@ InstructionForm::InstructionForm(int index, QWidget *parent, std::function<void(
     setWindowTitle(QString::fromLatin1(page(index).title) + QStringLiteral(" - Instructions"));
     setModal(false);
     setAttribute(Qt::WA_DeleteOnClose);
+    setAutoFillBackground(true);
+    QPalette card = palette();
+    card.setColor(QPalette::Window, Qt::white);
+    setPalette(card);
 
     auto *heading = new QLabel(QString::fromLatin1(page(index).title), this);
     QFont headingFont = heading->font();
@@ -245,7 +251,17 @@ InstructionForm::InstructionForm(int index, QWidget *parent, std::function<void(
     layout->addWidget(scroll, 1);
     layout->addLayout(legend);
     layout->addLayout(buttons);
-    resize(560, 470);
+
+    // As tall as the steps need, within reason; the text wraps to the width.
+    const int stepsHeight = grid->hasHeightForWidth() ? grid->totalHeightForWidth(StepsWidth)
+                                                      : stepsWidget->sizeHint().height();
+    scroll->setMinimumSize(StepsWidth + 8, qMin(stepsHeight + 4, 420));
+    adjustSize();
+    // Beside the work frame rather than over its middle.
+    if (parent && parent->isVisible()) {
+        const QRect area = parent->geometry();
+        move(area.right() - width() - 32, area.top() + 96);
+    }
 }
 
 void InstructionForm::Check1_Click()

@@ -113,8 +113,8 @@ QWidget *frmMain::buildStartScreen()
         button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
         button->setCursor(Qt::PointingHandCursor);
         button->setStyleSheet(QStringLiteral(
-            "QPushButton { font-size: 17px; font-weight: 600; color: #1f3555; text-align: left;"
-            " padding: 10px 18px; background: white; border: 1px solid #c9d6e8;"
+            "QPushButton { font-size: 16px; font-weight: 600; color: #1f3555; text-align: left;"
+            " padding: 10px 14px; background: white; border: 1px solid #c9d6e8;"
             " border-radius: 10px; }"
             "QPushButton:hover { background: #eaf3ff; border-color: #3d8bd9; }"
             "QPushButton:pressed { background: #d6e8ff; }"
