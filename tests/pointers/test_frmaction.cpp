@@ -157,6 +157,15 @@ private slots:
             << "mailto:?Subject=See%20the%20link%20to%20my%20page&Body=Select%20the%"
                "20pointer%20below%20to%20view%20the%20page...%0B%0Bhttp://"
                "www.site.com/x.htm";
+        QTest::newRow("hash and percent kept as text")
+            << "Photos #3"
+            << "100% sure"
+            << "http://s/a#top"
+            << "mailto:?Subject=Photos%20%233&Body=100%25%20sure%0B%0Bhttp://s/a%23top";
+        QTest::newRow("hash without lone percent") << ""
+                                                   << "See #2"
+                                                   << "http://s/a"
+                                                   << "mailto:?Body=See%20%232%0B%0Bhttp://s/a";
         QTest::newRow("trimmed body and lines") << ""
                                                 << "  Hi\nthere  "
                                                 << "  http://s/a  "

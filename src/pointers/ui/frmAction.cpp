@@ -272,8 +272,16 @@ void frmAction::SendEmail_Click()
                                     "Settings button."),
                      QStringLiteral("Tarnwick"), JobUi::Buttons::Ok, JobUi::Icon::Warning);
 
-    // A failure is put into words by the opener itself.
-    m_ui.OpenUrl(QUrl(mailto, QUrl::TolerantMode));
+    // A "#" would end the query and drop the rest of the text from the mail; it goes back into
+    // the query, escaped. A failure to open is put into words by the opener itself.
+    QUrl address(mailto, QUrl::TolerantMode);
+    if (address.hasFragment()) {
+        const QString rest = address.fragment(QUrl::FullyEncoded);
+        address.setFragment(QString());
+        address.setQuery(address.query(QUrl::FullyEncoded) + QStringLiteral("%23") + rest,
+                         QUrl::TolerantMode);
+    }
+    m_ui.OpenUrl(address);
 }
 
 void frmAction::ViewButton_Click()
