@@ -286,6 +286,27 @@ private slots:
         QVERIFY(child<QTimer>(form, "Timer1")->isActive());
     }
 
+    void comesBackToTheFrontAfterTheNotice()
+    {
+        CurrentPointer() = QStringLiteral("http://site/a");
+        QWidget owner;
+        owner.show();
+        ScriptedUi ui;
+        JobState state;
+        ui.answerPrompt(QStringLiteral("Look"));
+        frmAction form(ui, state, &owner);
+        form.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&form));
+        // The main window comes to the front, as it does when a notice over it closes; the
+        // timer started by the copy brings this window back.
+        owner.activateWindow();
+        QTRY_COMPARE(QApplication::activeWindow(), &owner);
+        click(form, "CopyPointerToClipButton");
+        QCOMPARE(ui.messages.size(), 1);
+        QTRY_COMPARE(QApplication::activeWindow(), &form);
+        QVERIFY(!child<QTimer>(form, "Timer1")->isActive());
+    }
+
     void copyAsLinkStops_data()
     {
         QTest::addColumn<bool>("skip");
