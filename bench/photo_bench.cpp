@@ -1,0 +1,73 @@
+// Sizes every picture of a working folder as the photo page build does (CopyPhotos: an "Lrg_"
+// and an "Sml_" copy of each) and reports the wall time and the peak memory of the process.
+//
+//   tarnwick_photo_bench WORK TARGET [SMALL% LARGE% [THREADS]]
+
+#include "CopyPhotos.h"
+#include "JobState.h"
+#include "JobUi.h"
+#include "PhotoPage.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QMimeData>
+#include <QTextStream>
+
+#include <sys/resource.h>
+
+namespace {
+
+class ConsoleUi final : public JobUi
+{
+public:
+    void ShowInputBox(JobState &state) override { state.UserResponse = JobState::Skip; }
+    Answer Message(const QString &text, const QString &, Buttons, Icon) override
+    {
+        QTextStream(stderr) << text << '\n';
+        ++messages;
+        return Answer::Ok;
+    }
+    void ShowScrollMessage(const QString &) override {}
+    void SetStatusText(const QString &) override {}
+    void SetStepOf(const QString &) override {}
+    bool OpenUrl(const QUrl &) override { return false; }
+    void SetClipboard(QMimeData *data) override { delete data; }
+    void ProcessEvents() override { QCoreApplication::processEvents(); }
+
+    int messages = 0;
+};
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    if (args.size() < 3) {
+        QTextStream(stderr) << "usage: tarnwick_photo_bench WORK TARGET [SMALL% LARGE% [THREADS]]\n";
+        return 2;
+    }
+    CopyPhotosInput input;
+    input.ChoosenUploadPath = args.at(1);
+    input.My_resize_0 = args.value(3, QStringLiteral("15"));
+    input.My_resize_1 = args.value(4, QStringLiteral("30"));
+    input.threads = args.value(5, QStringLiteral("0")).toInt();
+    QDir().mkpath(args.at(2));
+
+    ConsoleUi ui;
+    JobState state;
+    PhotoPage page;
+    QElapsedTimer timer;
+    timer.start();
+    const bool ok = CopyPhotos(args.at(2), false, input, page, ui, state);
+    const qint64 elapsed = timer.elapsed();
+
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    QTextStream(stdout) << "pictures " << ListPictureFiles(input.ChoosenUploadPath).size()
+                        << " seconds " << QString::number(elapsed / 1000.0, 'f', 2)
+                        << " peak_mb " << QString::number(usage.ru_maxrss / 1024.0, 'f', 0)
+                        << " messages " << ui.messages << '\n';
+    return ok && ui.messages == 0 ? 0 : 1;
+}
