@@ -45,7 +45,8 @@ int main(int argc, char *argv[])
     QCoreApplication app(argc, argv);
     const QStringList args = app.arguments();
     if (args.size() < 3) {
-        QTextStream(stderr) << "usage: tarnwick_photo_bench WORK TARGET [SMALL% LARGE% [THREADS]]\n";
+        QTextStream(stderr)
+            << "usage: tarnwick_photo_bench WORK TARGET [SMALL% LARGE% [THREADS]]\n";
         return 2;
     }
     CopyPhotosInput input;
@@ -66,8 +67,8 @@ int main(int argc, char *argv[])
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     QTextStream(stdout) << "pictures " << ListPictureFiles(input.ChoosenUploadPath).size()
-                        << " seconds " << QString::number(elapsed / 1000.0, 'f', 2)
-                        << " peak_mb " << QString::number(usage.ru_maxrss / 1024.0, 'f', 0)
-                        << " messages " << ui.messages << '\n';
+                        << " seconds " << QString::number(elapsed / 1000.0, 'f', 2) << " peak_mb "
+                        << QString::number(usage.ru_maxrss / 1024.0, 'f', 0) << " messages "
+                        << ui.messages << '\n';
     return ok && ui.messages == 0 ? 0 : 1;
 }
