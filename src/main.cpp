@@ -1,6 +1,9 @@
 #include "frmMain.h"
 
 #include <QApplication>
+#include <QTimer>
+
+#include <cstdlib>
 
 int main(int argc, char *argv[])
 {
@@ -17,6 +20,9 @@ int main(int argc, char *argv[])
         for (QWidget *widget : windows)
             widget->hide();
         QApplication::exit(0);
+        // Asked inside a job's wait, the job would otherwise run on unseen to its end: the
+        // program ends at once. Settings are written as they change, so nothing is lost.
+        QTimer::singleShot(0, [] { std::_Exit(0); });
     });
     window.Load();
     window.show();

@@ -19,12 +19,26 @@ StepRing::StepRing(QWidget *overlayParent)
 
 void StepRing::setTarget(QWidget *target)
 {
-    if (m_target)
-        m_target->removeEventFilter(this);
+    watchTarget(false);
     m_target = target;
-    if (m_target)
-        m_target->installEventFilter(this);
+    watchTarget(true);
     follow();
+}
+
+void StepRing::watchTarget(bool on)
+{
+    for (const QPointer<QWidget> &widget : std::as_const(m_watched))
+        if (widget)
+            widget->removeEventFilter(this);
+    m_watched.clear();
+    if (!on || !m_target)
+        return;
+    // A control moves on screen also when a frame around it moves.
+    for (QWidget *widget = m_target; widget && widget != parentWidget();
+         widget = widget->parentWidget()) {
+        widget->installEventFilter(this);
+        m_watched << widget;
+    }
 }
 
 void StepRing::setShown(bool shown)
@@ -67,13 +81,15 @@ void StepRing::paintEvent(QPaintEvent *)
 
 bool StepRing::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_target) {
+    if (watched->isWidgetType() && m_watched.contains(static_cast<QWidget *>(watched))) {
         switch (event->type()) {
         case QEvent::Move:
         case QEvent::Resize:
         case QEvent::Show:
         case QEvent::Hide:
         case QEvent::ParentChange:
+            if (event->type() == QEvent::ParentChange)
+                watchTarget(true);
             follow();
             break;
         default:

@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QFrame>
+#include <QList>
 #include <QPointer>
 
 // One step ring (Shape1_i): a coloured rounded outline drawn around a control to point at the
@@ -30,7 +31,10 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void watchTarget(bool on);
+
     QPointer<QWidget> m_target;
+    QList<QPointer<QWidget>> m_watched; // the target and its ancestors below the overlay
     QColor m_colour;
     bool m_shown = false;
 };
