@@ -494,6 +494,35 @@ private slots:
                  QStringLiteral("http://www.example.org/Photos/Summer"));
     }
 
+    void startScreenAnimationMoves()
+    {
+        auto *page = child<QLabel>(QStringLiteral("Image7_0"));
+        auto *link = child<QLabel>(QStringLiteral("Image7_1"));
+        QVERIFY(page->isVisible());
+        QVERIFY(!link->isVisible());
+        const int start = page->x();
+        QTRY_VERIFY(page->x() > start);
+        QCOMPARE((page->x() - start) % 5, 0);
+        // At the end mark the link travels back.
+        QTRY_VERIFY_WITH_TIMEOUT(link->isVisible() && !page->isVisible(), 15000);
+        const int back = link->x();
+        QTRY_VERIFY(link->x() < back);
+    }
+
+    void aboutBoxShowsSystemLine()
+    {
+        auto seen = std::make_shared<MessageSeen>();
+        whenModal<QMessageBox>([seen](QMessageBox *box) {
+            seen->text = box->text();
+            seen->title = box->windowTitle();
+            seen->seen = true;
+            box->accept();
+        });
+        action(QStringLiteral("AboutMenu"))->trigger();
+        QVERIFY(seen->seen);
+        QVERIFY(seen->text.contains(frmMain::SystemVersionLine().toHtmlEscaped()));
+    }
+
     void aboutLineNamesSystemAndKernel()
     {
         const QString line = frmMain::SystemVersionLine();
