@@ -7,8 +7,10 @@
 #include <QFileInfo>
 #include <QImageReader>
 #include <QImageWriter>
+#include <QSaveFile>
 
 #include <cmath>
+#include <optional>
 
 namespace {
 
@@ -35,43 +37,43 @@ QString tooLargeText(QSize size)
         .arg(size.height());
 }
 
-// Replaces target by temp; the old target goes only once the new file is complete.
-bool putInPlace(const QString &temp, const QString &target)
+// Writes image at path in format through a temporary file beside it, which replaces path only
+// once it is complete; quality -1 is the writer's default. Returns the writer's error, if any.
+struct WriteError
 {
-    QFile::remove(target);
-    return QFile::rename(temp, target);
+    int number = 0;
+    QString text;
+};
+std::optional<WriteError> writeWhole(const QImage &image, const QString &path, const char *format,
+                                     int quality = -1)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return WriteError{int(QImageWriter::DeviceError), file.errorString()};
+    QImageWriter writer(&file, format);
+    writer.setQuality(quality);
+    if (!writer.write(image)) {
+        file.cancelWriting();
+        return WriteError{int(writer.error()), writer.errorString()};
+    }
+    if (!file.commit())
+        return WriteError{int(QImageWriter::DeviceError), file.errorString()};
+    return std::nullopt;
 }
 
-SaveResult saveJpeg(const QImage &image, const QString &path, qsizetype markAt)
+SaveResult saveJpeg(const QImage &image, const QString &path)
 {
-    const QString temp = path.left(markAt) + QStringLiteral("_tmp.jpg");
-    QString errorText;
-    int errorNumber = 0;
+    std::optional<WriteError> error;
     // A writer that refuses a quality is given the next lower one; normally 100 is taken.
     for (int quality = 100; quality >= 50; --quality) {
-        QImageWriter writer(temp, "jpeg");
-        writer.setQuality(quality);
-        if (writer.write(image)) {
-            errorText.clear();
-            break;
-        }
-        errorNumber = int(writer.error());
-        errorText = writer.errorString();
+        error = writeWhole(image, path, "jpeg", quality);
+        if (!error)
+            return {};
     }
-    if (!errorText.isEmpty()) {
-        QFile::remove(temp);
-        QFile::remove(path);
-        return {false, QStringLiteral("Error in file conversion. Retry.( Error %1 - %2)")
-                           .arg(errorNumber)
-                           .arg(errorText)};
-    }
-    if (!putInPlace(temp, path)) {
-        QFile::remove(temp);
-        return {false, QStringLiteral("Error in file conversion. Retry.( Error %1 - %2)")
-                           .arg(int(QImageWriter::DeviceError))
-                           .arg(QStringLiteral("The file could not be replaced: ") + path)};
-    }
-    return {};
+    QFile::remove(path);
+    return {false, QStringLiteral("Error in file conversion. Retry.( Error %1 - %2)")
+                       .arg(error->number)
+                       .arg(error->text)};
 }
 
 } // namespace
@@ -166,24 +168,18 @@ SaveResult savepic(const QImage &image, const QString &path)
     if (image.isNull())
         return {false, QStringLiteral("Error in file conversion. Retry.( Error 0 - No picture)")};
     const QString lower = path.toLower();
-    const qsizetype gifAt = lower.indexOf(QStringLiteral(".gif"));
-    if (gifAt >= 0) {
+    if (lower.contains(QStringLiteral(".gif"))) {
         if (WriteGifFile(image, path))
             return {};
         // As before a GIF was made, the bitmap stays under the ".gif" name.
-        const QString temp = path.left(gifAt) + QStringLiteral("_tmp.bmp");
-        if (image.save(temp, "BMP"))
-            putInPlace(temp, path);
+        writeWhole(image, path, "bmp");
         return {false, QString()};
     }
-    const qsizetype jpgAt = lower.indexOf(QStringLiteral(".jpg"));
-    if (jpgAt >= 0)
-        return saveJpeg(image, path, jpgAt);
-    const QString temp = path + QStringLiteral(".tmp");
-    if (!image.save(temp, "BMP") || !putInPlace(temp, path)) {
-        QFile::remove(temp);
+    // The name is searched, not just its end: "a.jpg.d/b.bmp" is written as a JPEG too.
+    if (lower.contains(QStringLiteral(".jpg")))
+        return saveJpeg(image, path);
+    if (writeWhole(image, path, "bmp"))
         return {false, QString()};
-    }
     return {};
 }
 
@@ -220,6 +216,33 @@ SizeResult SizePhoto(const QString &source, const QString &largePath, double lar
     picture.image = QImage();
     result.largeMessage = savepic(largeImage, largePath).message;
     result.smallMessage = savepic(smallImage, smallPath).message;
+    return result;
+}
+
+CopyResult SizeOneCopy(const QString &source, const QString &target, double percent)
+{
+    CopyResult result;
+    if (!(percent > 0)) {
+        result.loadError = QStringLiteral("Invalid procedure call or argument");
+        return result;
+    }
+    QString error;
+    const QSize full = PictureSize(source, &error);
+    if (!full.isValid()) {
+        result.loadError = error.isEmpty() ? QStringLiteral("File not found: ") + source : error;
+        return result;
+    }
+    const QSize size = ScaledSize(full, percent);
+    if (tooLarge(size)) {
+        result.loadError = tooLargeText(size);
+        return result;
+    }
+    const PictureResult picture = LoadPicture(source, size);
+    if (!picture.ok()) {
+        result.loadError = picture.error;
+        return result;
+    }
+    result.message = savepic(ScaleTo(picture.image, size), target).message;
     return result;
 }
 

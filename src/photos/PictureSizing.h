@@ -61,6 +61,14 @@ struct SizeResult
 SizeResult SizePhoto(const QString &source, const QString &largePath, double largePercent,
                      const QString &smallPath, double smallPercent);
 
+// One copy of source at percent, written to target (the Web Log's picture).
+struct CopyResult
+{
+    QString loadError; // the picture couldn't be read: nothing was written
+    QString message;   // savepic's message
+};
+CopyResult SizeOneCopy(const QString &source, const QString &target, double percent);
+
 // The percentage boxes: a value below 2 becomes "2", one above 120 "120"; others stay as typed.
 QString LimitResizeText(const QString &text);
 // Setting key and default of box index (0 thumbnail, 1 enlarged copy, 2 Web Log picture).

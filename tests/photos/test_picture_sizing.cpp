@@ -243,7 +243,8 @@ private slots:
         reader.setDecideFormatFromContent(true);
         QCOMPARE(reader.read().size(), QSize(30, 20));
         // No temporary file is left behind.
-        const QStringList left = QDir(m_dir.path()).entryList({"*_tmp*", "*.tmp"}, QDir::Files);
+        const QStringList left =
+            QDir(QFileInfo(path(name)).path()).entryList({"*_tmp*", "*.tmp", "*.new"}, QDir::Files);
         QVERIFY2(left.isEmpty(), qPrintable(left.join(",")));
     }
 
@@ -345,6 +346,29 @@ private slots:
         QVERIFY(result.loadError.isEmpty());
         QVERIFY(isBitmap(readFile(path("L_src.bmp"))));
         QCOMPARE(sizeOf(path("L_src.bmp")), QSize(20, 20));
+    }
+
+    void oneCopyForTheWebLog()
+    {
+        const QString file = path("blog.jpg");
+        QVERIFY(writeFile(file, withOrientation(jpegBytes(halves(200, 100)), 6)));
+        CopyResult result = SizeOneCopy(file, path("Sml_blog.jpg"), 15);
+        QVERIFY(result.loadError.isEmpty() && result.message.isEmpty());
+        QCOMPARE(sizeOf(path("Sml_blog.jpg")), QSize(15, 30));
+        result = SizeOneCopy(path("none.jpg"), path("Sml_none.jpg"), 15);
+        QVERIFY(!result.loadError.isEmpty());
+        QVERIFY(!QFile::exists(path("Sml_none.jpg")));
+        result = SizeOneCopy(file, path("Sml_zero.jpg"), 0);
+        QVERIFY(!result.loadError.isEmpty());
+    }
+
+    void concurrentNamesDoNotMeet()
+    {
+        // "a.jpg" and "a_tmp.jpg" side by side: each copy lands under its own name.
+        QVERIFY(savepic(halves(30, 20), path("Lrg_a.jpg")).ok);
+        QVERIFY(savepic(halves(60, 40), path("Lrg_a_tmp.jpg")).ok);
+        QCOMPARE(sizeOf(path("Lrg_a.jpg")), QSize(30, 20));
+        QCOMPARE(sizeOf(path("Lrg_a_tmp.jpg")), QSize(60, 40));
     }
 
     void fullSizeCopyIsReencoded()
