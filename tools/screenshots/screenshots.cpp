@@ -2,6 +2,7 @@
 //   xvfb-run -s "-screen 0 1280x800x24" <build>/bin/tarnwick_screenshots <docs folder>
 // The program runs with HOME in a temporary folder, set up as after the first start.
 #include "GuiJobUi.h"
+#include "HelpWindow.h"
 #include "JobState.h"
 #include "Settings.h"
 #include "TestMain.h"
@@ -54,6 +55,12 @@ int main(int argc, char *argv[])
     ok = shoot(QStringLiteral("send-a-file.png")) && ok;
     window.unloadInstructionForms();
     window.ReturnToStartButton_Click();
+
+    window.HelpButton_Click();
+    if (QWidget *help = window.helpWindow())
+        help->move(window.geometry().center() - help->rect().center());
+    ok = shoot(QStringLiteral("help.png")) && ok;
+    window.helpWindow()->close();
 
     QTimer::singleShot(0, [&ok] {
         // Runs inside the prompt's wait.
