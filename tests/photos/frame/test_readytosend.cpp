@@ -52,9 +52,10 @@ private slots:
         FrameFixture f;
         auto *tabs = f.find<QTabWidget>(QStringLiteral("TabStrip2"));
         QVERIFY(tabs);
-        QCOMPARE(tabs->count(), 2);
+        QCOMPARE(tabs->count(), 3);
         QCOMPARE(tabs->tabText(0), QStringLiteral("Select Images"));
-        QCOMPARE(tabs->tabText(1), QStringLiteral("Settings"));
+        QCOMPARE(tabs->tabText(1), QStringLiteral("Update Photo Page"));
+        QCOMPARE(tabs->tabText(2), QStringLiteral("Settings"));
         QCOMPARE(f.find<QPushButton>(QStringLiteral("CopyButton_1"))->text(),
                  QStringLiteral("Rotate Left && Copy"));
         QCOMPARE(f.find<QPushButton>(QStringLiteral("ChangeCopyPathButton"))->text(),

@@ -2,6 +2,7 @@
 
 #include "Folders.h"
 #include "History.h"
+#include "PhotoFrameHistory.h"
 #include "PhotoFrameSettings.h"
 #include "PhotoPage.h"
 #include "ReadyToSendPage.h"
@@ -32,9 +33,14 @@ PhotoFrame::PhotoFrame(PhotoPage &page, JobUi &ui, JobState &state, QWidget *par
     m_tabs->setObjectName(QStringLiteral("TabStrip2"));
     m_tabs->setDocumentMode(true);
     m_ready = new ReadyToSendPage(page, m_services, m_tabs);
+    m_history = new PhotoFrameHistory(page, m_services, m_tabs);
     m_settings = new PhotoFrameSettings(page, m_services, m_tabs);
     m_tabs->addTab(m_ready, QStringLiteral("Select Images"));
+    m_tabs->addTab(m_history, QStringLiteral("Update Photo Page"));
     m_tabs->addTab(m_settings, QStringLiteral("Settings"));
+    connect(m_ready, &ReadyToSendPage::historySaved, m_history, &PhotoFrameHistory::refreshFiles);
+    connect(m_history, &PhotoFrameHistory::recordReplaced, m_ready,
+            [this] { m_ready->EditButtons_Click(6); });
     connect(m_tabs, &QTabWidget::tabBarClicked, this, [this](int index) {
         if (index == SelectImagesTab)
             emit shapeEventRequested(0);
@@ -79,6 +85,14 @@ void PhotoFrame::DoCleanup()
     m_ready->refreshSource();
     ClearHistory(m_page);
     m_ready->clearPreview();
+    m_ready->EditButtons_Click(6);
+    m_history->refreshFiles();
+}
+
+void PhotoFrame::setPagePointer(const QString &pointer)
+{
+    m_history->setPagePointer(pointer);
+    m_ready->setPagePointer(pointer);
 }
 
 void PhotoFrame::showFirstTab()

@@ -4,6 +4,7 @@
 
 #include <QWidget>
 
+class PhotoFrameHistory;
 class PhotoFrameSettings;
 class QAbstractButton;
 class QTabWidget;
@@ -11,7 +12,8 @@ class ReadyToSendPage;
 struct PhotoPage;
 
 // The work frame of Send a Photo Page: TabStrip2 with the tabs "Select Images" (the Ready to
-// Send list) and "Settings" (the page's looks and picture sizes). The frame works on one
+// Send list), "Update Photo Page" (the History files) and "Settings" (the page's looks and
+// picture sizes). The frame works on one
 // PhotoPage record, which it shares with the page build and the History files.
 class PhotoFrame final : public QWidget
 {
@@ -46,7 +48,11 @@ public:
     // Puts a field owned by the window (the image load speed) on the Settings tab.
     void addSettingsField(const QString &caption, QWidget *field);
 
+    // FTP_page_pointer: the pointer of the page's last upload; Print List shows it too.
+    void setPagePointer(const QString &pointer);
+
     ReadyToSendPage *readyToSend() const { return m_ready; }
+    PhotoFrameHistory *historyPage() const { return m_history; }
     PhotoFrameSettings *settingsPage() const { return m_settings; }
     QTabWidget *TabStrip2() const { return m_tabs; }
     PhotoPage &page() const { return m_page; }
@@ -61,5 +67,6 @@ private:
     PhotoFrameServices m_services;
     QTabWidget *m_tabs = nullptr;
     ReadyToSendPage *m_ready = nullptr;
+    PhotoFrameHistory *m_history = nullptr;
     PhotoFrameSettings *m_settings = nullptr;
 };

@@ -1,0 +1,155 @@
+#include "PhotoFrameHistory.h"
+
+#include "Folders.h"
+#include "Helpers.h"
+#include "History.h"
+#include "JobUi.h"
+#include "PhotoPage.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace {
+
+const QString Tarnwick = QStringLiteral("Tarnwick");
+const QString NoFileSelected = QStringLiteral("No file has been selected.");
+
+} // namespace
+
+PhotoFrameHistory::PhotoFrameHistory(PhotoPage &page, PhotoFrameServices &services, QWidget *parent)
+    : QWidget(parent), m_page(page), m_services(services)
+{
+    setObjectName(QStringLiteral("UpdatePhotoPage"));
+
+    auto *frame = new QGroupBox(QStringLiteral("History"), this);
+    frame->setObjectName(QStringLiteral("HistoryFrame"));
+
+    m_file4 = new QListWidget(frame);
+    m_file4->setObjectName(QStringLiteral("File4_0"));
+    m_file4->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_file4->setAlternatingRowColors(true);
+    connect(m_file4, &QListWidget::itemSelectionChanged, this, &PhotoFrameHistory::updateButtons);
+
+    m_showHst = new QPushButton(QStringLiteral("Show History File Details"), frame);
+    m_showHst->setObjectName(QStringLiteral("ShowHst"));
+    connect(m_showHst, &QPushButton::clicked, this, &PhotoFrameHistory::ShowHst_Click);
+    m_deleteHst = new QPushButton(QStringLiteral("Delete the Selected History File"), frame);
+    m_deleteHst->setObjectName(QStringLiteral("DeleteHstButton"));
+    connect(m_deleteHst, &QPushButton::clicked, this, &PhotoFrameHistory::DeleteHstButton_Click);
+
+    auto *buttons = new QVBoxLayout;
+    buttons->addWidget(m_showHst);
+    buttons->addWidget(m_deleteHst);
+    buttons->addStretch(1);
+
+    auto *listRow = new QHBoxLayout;
+    listRow->addWidget(m_file4, 1);
+    listRow->addLayout(buttons);
+
+    auto *pointerCaption = new QLabel(QStringLiteral("Web Page Pointer"), frame);
+    m_pagePointer = new QLabel(frame);
+    m_pagePointer->setObjectName(QStringLiteral("FTP_page_pointer"));
+    m_pagePointer->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_pagePointer->setWordWrap(true);
+    auto *pointerRow = new QHBoxLayout;
+    pointerRow->addWidget(pointerCaption);
+    pointerRow->addWidget(m_pagePointer, 1);
+
+    auto *frameLayout = new QVBoxLayout(frame);
+    frameLayout->addLayout(listRow, 1);
+    frameLayout->addLayout(pointerRow);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(10, 10, 10, 10);
+    layout->addWidget(frame);
+
+    refreshFiles();
+}
+
+void PhotoFrameHistory::refreshFiles()
+{
+    const QString selected = selectedFile();
+    QStringList names = QDir(Folders::HistoryFolder())
+                            .entryList({QStringLiteral("*.hst")}, QDir::Files, QDir::NoSort);
+    std::sort(names.begin(), names.end(), [](const QString &a, const QString &b) {
+        return a.compare(b, Qt::CaseInsensitive) < 0;
+    });
+    const QSignalBlocker blocker(m_file4);
+    m_file4->clear();
+    m_file4->addItems(names);
+    const auto found = m_file4->findItems(selected, Qt::MatchExactly);
+    if (!selected.isEmpty() && !found.isEmpty())
+        found.first()->setSelected(true);
+    updateButtons();
+}
+
+QString PhotoFrameHistory::selectedFile() const
+{
+    const auto selected = m_file4->selectedItems();
+    return selected.isEmpty() ? QString() : selected.first()->text();
+}
+
+void PhotoFrameHistory::updateButtons()
+{
+    const bool any = !selectedFile().isEmpty();
+    m_showHst->setEnabled(any);
+    m_deleteHst->setEnabled(any);
+}
+
+void PhotoFrameHistory::ShowHst_Click()
+{
+    const QString name = selectedFile();
+    if (name.isEmpty()) {
+        m_services.ui->Message(NoFileSelected, Tarnwick);
+        return;
+    }
+    m_page.FileName = name;
+    const HistoryResult read = ReadHistory(m_page);
+    emit recordReplaced();
+    if (!read.ok) {
+        m_services.ui->Message(QStringLiteral("Select a History file and retry."), Tarnwick,
+                               JobUi::Buttons::Ok, JobUi::Icon::Warning);
+        return;
+    }
+    ShowHistory(m_page, *m_services.ui);
+}
+
+void PhotoFrameHistory::DeleteHstButton_Click()
+{
+    if (m_services.ui->Message(
+            QStringLiteral("Are you sure you want to delete the selected items?"),
+            QStringLiteral("Delete Files"), JobUi::Buttons::OkCancel,
+            JobUi::Icon::Question) != JobUi::Answer::Ok)
+        return;
+    const QString name = selectedFile();
+    if (name.isEmpty()) {
+        m_services.ui->Message(NoFileSelected, Tarnwick);
+        return;
+    }
+    const QString path = Folders::HistoryFolder() + QLatin1Char('/') + name;
+    if (!QFileInfo(path).isFile()) {
+        m_services.ui->Message(QStringLiteral("File not found."), Tarnwick);
+        refreshFiles();
+        return;
+    }
+    DoKill(path);
+    refreshFiles();
+}
+
+void PhotoFrameHistory::setPagePointer(const QString &pointer)
+{
+    m_pagePointer->setText(pointer);
+}
+
+QString PhotoFrameHistory::pagePointer() const
+{
+    return m_pagePointer->text();
+}
