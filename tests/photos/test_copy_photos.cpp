@@ -245,6 +245,18 @@ private slots:
         QCOMPARE(snapshot(m_work), before);
     }
 
+    void pictureListMatchesWithoutCaseAndSortsIgnoringCase()
+    {
+        for (const char *name : {"b.JPG", "A.jpg", "c.gif", "D.bmp", "e.dib", "f.ddd", "g.png",
+                                 "h.jpeg", "notes.txt", "Photos.htm"})
+            QVERIFY(writeFile(m_work + "/" + QString(name), "x"));
+        QDir().mkpath(m_work + "/folder.jpg");
+        QCOMPARE(ListPictureFiles(m_work),
+                 QStringList({"A.jpg", "b.JPG", "c.gif", "D.bmp", "e.dib", "f.ddd"}));
+        QVERIFY(ListPictureFiles(QString()).isEmpty());
+        QVERIFY(ListPictureFiles(m_dir->filePath("nowhere")).isEmpty());
+    }
+
     void emptyFolderDoesNothing()
     {
         ScriptedUi ui;

@@ -410,6 +410,28 @@ private slots:
         QCOMPARE(GetGroupNumber(name), group);
     }
 
+    void numericValue_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<double>("value");
+        QTest::addColumn<bool>("numeric");
+        QTest::newRow("digits") << "00050" << 50.0 << true;
+        QTest::newRow("blanks") << "  7 " << 7.0 << true;
+        QTest::newRow("empty") << "" << 0.0 << false;
+        QTest::newRow("trailing letters") << "12abc" << 12.0 << false;
+        QTest::newRow("letters") << "abc" << 0.0 << false;
+        QTest::newRow("negative") << "-3" << -3.0 << true;
+        QTest::newRow("decimal") << "2.5" << 2.5 << true;
+    }
+    void numericValue()
+    {
+        QFETCH(QString, text);
+        QFETCH(double, value);
+        QFETCH(bool, numeric);
+        QCOMPARE(NumericValue(text), value);
+        QCOMPARE(IsNumericText(text), numeric);
+    }
+
     void formatGroup_data()
     {
         QTest::addColumn<QString>("prefix");
