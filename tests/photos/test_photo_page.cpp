@@ -110,6 +110,37 @@ class TestPhotoPage : public QObject
 {
     Q_OBJECT
 private slots:
+    void defaultTemplatesHoldOnlyKnownPlaceholders_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const char *name : {"Top.txt", "Left.txt", "Right.txt", "End.txt"})
+            QTest::newRow(name) << QString(name);
+    }
+    void defaultTemplatesHoldOnlyKnownPlaceholders()
+    {
+        QFETCH(QString, name);
+        QFile file(templateFolder() + "/" + name);
+        QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
+        const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
+        static const QRegularExpression token("!![A-Za-z_0-9]+!!");
+        for (const QString &line : lines) {
+            QVERIFY2(!line.startsWith("!!"), qPrintable(line));
+            QVERIFY2(!line.contains("<|>"), qPrintable(line));
+            QString rest = line;
+            auto it = token.globalMatch(line);
+            while (it.hasNext()) {
+                const QString found = it.next().captured();
+                TemplateState state;
+                state.PageTitle = "t";
+                QVERIFY2(GetActionData(found, state) != found, qPrintable(found));
+                QVERIFY2(found.startsWith("!!PHOTO_"), qPrintable(found));
+                rest.remove(found);
+            }
+            // Nothing but whole placeholders carries the marks.
+            QVERIFY2(!rest.contains("!!"), qPrintable(line));
+        }
+    }
+
     void twelvePhotosMakeACompletePage()
     {
         QTemporaryDir dir;
