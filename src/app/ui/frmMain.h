@@ -151,7 +151,8 @@ public:
     void addCleanupHook(std::function<void()> hook);
     // Run at the end of Load, in the order added (lists, logo pictures, colour controls).
     void addLoadHook(std::function<void()> hook);
-    // After a function is opened by button, menu or tab: index 0-5, byTab true for TabStrip1.
+    // A function is being opened by button, menu or tab (index 0-5, byTab true for TabStrip1):
+    // its frame is shown; its instruction page and step rings follow the hook.
     void addFunctionOpenedHook(std::function<void(int index, bool byTab)> hook);
     // The Configuration page: shown on the first run and by SetupPrompt; returns when answered.
     void setSetupPage(std::function<void()> page);

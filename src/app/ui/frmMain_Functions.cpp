@@ -68,6 +68,9 @@ void frmMain::TabStrip1_Click()
 void frmMain::openFunction(int index, bool byTab)
 {
     m_startFrame->hide();
+    // The function's own first steps (its inner tabs, its lists) come before its instructions.
+    for (const auto &hook : m_functionHooks)
+        hook(index, byTab);
     // The setting is read anew each time, so a page hidden on one function stays hidden there
     // only.
     if (GetSetting(InstructionForm::settingKey(index), QStringLiteral("Show")) ==
@@ -76,8 +79,6 @@ void frmMain::openFunction(int index, bool byTab)
     shapeEvent(OpeningStep[index]);
     if (index == 0)
         DoCleanup();
-    for (const auto &hook : m_functionHooks)
-        hook(index, byTab);
 }
 
 void frmMain::ReturnToStartButton_Click()
