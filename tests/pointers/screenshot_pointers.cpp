@@ -61,6 +61,10 @@ int main(int argc, char *argv[])
         const QModelIndex first = files->model()->index(0, 0);
         QTest::mouseClick(files->viewport(), Qt::LeftButton, {}, files->visualRect(first).center());
         ok &= save(picker, folder, QStringLiteral("frmDialogPg_content.png"));
+        const QModelIndex second = files->model()->index(1, 0);
+        QTest::mouseClick(files->viewport(), Qt::LeftButton, {},
+                          files->visualRect(second).center());
+        ok &= save(picker, folder, QStringLiteral("frmDialogPg_portrait.png"));
 
         frmZoom zoom(pictures.filePath(QStringLiteral("harbour.JPG")), 0);
         zoom.resize(500, 400);

@@ -60,6 +60,7 @@ frmDialogPg::frmDialogPg(bool PickerShowsImages, const QString &startFolder, QWi
     setObjectName(QStringLiteral("frmDialogPg"));
     setWindowTitle(QStringLiteral("Select Directory"));
     buildForm();
+    resize(760, 480);
 
     m_timer = new QTimer(this);
     m_timer->setObjectName(QStringLiteral("Timer1"));
