@@ -38,6 +38,28 @@ bool isBlank(char c)
     return c == ' ' || c == '\t';
 }
 
+// Lower case character by character, so that a position in the result is one in the text.
+QString lowered(const QString &text)
+{
+    QString result = text;
+    for (QChar &c : result)
+        c = c.toLower();
+    return result;
+}
+
+// A record is read key by key, each look-up on the same text: the lowered text is kept for the
+// next call (one per thread) instead of being made again for every key.
+const QString &loweredText(const QString &text)
+{
+    thread_local QString source;
+    thread_local QString lower;
+    if (text != source) {
+        source = text;
+        lower = lowered(text);
+    }
+    return lower;
+}
+
 } // namespace
 
 QString EncodeRecordText(const QString &text, bool DropDots)
@@ -86,14 +108,7 @@ QString GetRecordValue(const QString &text, const QString &key)
 {
     if (key.isEmpty())
         return QString();
-    // Case is ignored character by character so that positions in both texts stay the same.
-    auto lower = [](const QString &s) {
-        QString l = s;
-        for (QChar &c : l)
-            c = c.toLower();
-        return l;
-    };
-    const qsizetype keyAt = lower(text).indexOf(lower(key));
+    const qsizetype keyAt = loweredText(text).indexOf(lowered(key));
     if (keyAt < 0)
         return QString();
     const qsizetype equalsAt = text.indexOf(u'=', keyAt);

@@ -1,6 +1,7 @@
 #include "RecordFile.h"
 #include "TestMain.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
@@ -140,6 +141,42 @@ private slots:
         QFETCH(QString, key);
         QFETCH(QString, expected);
         QCOMPARE(GetRecordValue(text, key), expected);
+    }
+
+    void lookUpsOnChangingTextsNeverMix()
+    {
+        const QString a = QStringLiteral("Title = one\r\n");
+        const QString b = QStringLiteral("Title = two\r\n");
+        for (int round = 0; round < 3; ++round) {
+            QCOMPARE(GetRecordValue(a, QStringLiteral("TITLE")), QStringLiteral("one"));
+            QCOMPARE(GetRecordValue(b, QStringLiteral("title")), QStringLiteral("two"));
+        }
+        QString changing = a;
+        changing[8] = u'x';
+        QCOMPARE(GetRecordValue(changing, QStringLiteral("Title")), QStringLiteral("xne"));
+    }
+
+    void largeRecordIsReadQuickly()
+    {
+        QString text;
+        for (int i = 0; i <= 400; ++i) {
+            text += RecordLine(QStringLiteral("PhotoName%1").arg(i),
+                               QStringLiteral("00012 IMG_%1.jpg").arg(i));
+            text += RecordLine(QStringLiteral("PhotoPath%1").arg(i),
+                               QStringLiteral("/home/ann/Pictures/IMG_%1.jpg").arg(i));
+            text += RecordLine(QStringLiteral("PhotoInfo%1").arg(i),
+                               QStringLiteral("A photo of the coast at dusk"));
+        }
+        QElapsedTimer timer;
+        timer.start();
+        for (int i = 0; i <= 400; ++i) {
+            QCOMPARE(GetRecordValue(text, QStringLiteral("PhotoName%1").arg(i)),
+                     QStringLiteral("00012 IMG_%1.jpg").arg(i));
+            QVERIFY(!GetRecordValue(text, QStringLiteral("PhotoPath%1").arg(i)).isEmpty());
+            QVERIFY(!GetRecordValue(text, QStringLiteral("PhotoInfo%1").arg(i)).isEmpty());
+        }
+        // A page of 400 photos must load without the window seeming to hang.
+        QVERIFY2(timer.elapsed() < 3000, qPrintable(QString::number(timer.elapsed())));
     }
 
     void replaceSpaces_data()
