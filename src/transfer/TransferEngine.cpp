@@ -1,0 +1,325 @@
+#include "TransferEngine.h"
+
+#include "FtpConnection.h"
+#include "FtpErrors.h"
+#include "FtpListing.h"
+#include "JobState.h"
+#include "TransferUi.h"
+#include "cFTP.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+namespace {
+
+// Handles are numbered for the "Handle created: " status as the library would number them.
+qint64 nextHandleNumber()
+{
+    static qint64 number = 13369348;
+    return number++;
+}
+
+QString nameOf(const QString &path)
+{
+    const qsizetype cut =
+        std::max(path.lastIndexOf(QLatin1Char('/')), path.lastIndexOf(QLatin1Char('\\')));
+    return path.mid(cut + 1);
+}
+
+QString cutAtNull(const QString &text)
+{
+    const qsizetype nul = text.indexOf(QChar(0));
+    return nul < 0 ? text : text.left(nul);
+}
+
+} // namespace
+
+TransferEngine::TransferEngine(TransferUi &ui, JobState &state) : m_ui(ui), m_state(state) {}
+
+QString TransferEngine::TemporaryName(const QString &fileName)
+{
+    return fileName + QStringLiteral(".tarnwick-part");
+}
+
+std::function<bool()> TransferEngine::cancelWatch() const
+{
+    JobState *state = &m_state;
+    const bool wasCancelled = state->UploadCancelled;
+    const bool wasSkipped = state->skipped();
+    return [state, wasCancelled, wasSkipped] {
+        return (!wasCancelled && state->UploadCancelled) || (!wasSkipped && state->skipped());
+    };
+}
+
+void TransferEngine::hookStatus(FtpConnection &connection, const QString &host)
+{
+    TransferStatusCallback(60, nextHandleNumber());
+    TransferStatusCallback(10, host);
+    connection.onOpenSocket = [this](const QString &address) {
+        TransferStatusCallback(11, address);
+        TransferStatusCallback(20, address);
+    };
+    connection.onLibraryText = [this](const QString &text) {
+        static const QString connected = QStringLiteral("Connected to ");
+        if (text.startsWith(connected))
+            TransferStatusCallback(21, text.mid(connected.size()).section(QLatin1Char(' '), 0, 0));
+    };
+}
+
+bool TransferEngine::connectSession(FtpConnection &connection, const QString &directory,
+                                    QString *current)
+{
+    FtpConnection::Request request;
+    // The move into the directory may fail; the session then works where it stands.
+    if (!directory.isEmpty())
+        request.quote.append(QStringLiteral("*CWD ") + directory);
+    request.quote.append(QStringLiteral("PWD"));
+    const auto result = connection.perform(request);
+    if (!result.ok()) {
+        LastError = result.cancelled ? FtpErrors::OperationCancelled
+                                     : FtpErrors::NumberFor(result.code, connection);
+        LastWasCancelled = result.cancelled;
+        return false;
+    }
+    *current = PathFrom257(connection.lastReply().text());
+    if (current->isEmpty())
+        *current = directory.isEmpty() ? QStringLiteral("/") : directory;
+    return true;
+}
+
+void TransferEngine::closeSession(FtpConnection &connection)
+{
+    TransferStatusCallback(70, 0);
+    TransferStatusCallback(50, QVariant());
+    connection.close();
+    TransferStatusCallback(51, QVariant());
+}
+
+bool TransferEngine::SessionUpload(const QString &server, const QString &user,
+                                   const QString &password, const QString &remoteDirectory,
+                                   const QString &localPath)
+{
+    LastError = 0;
+    LastWasCancelled = false;
+    const FtpAddress address = FtpAddress::fromServerField(server);
+    if (!address.valid) {
+        LastError = 12007;
+        return false;
+    }
+    FtpConnection session(address, user, password);
+    session.cancelRequested = cancelWatch();
+    hookStatus(session, address.host);
+
+    bool sent = false;
+    QString directory;
+    if (connectSession(session, remoteDirectory, &directory)) {
+        m_ui.SetBusyCursor(true);
+        const QString name = nameOf(localPath);
+        QFile file(localPath);
+        if (name.isEmpty() || !file.open(QIODevice::ReadOnly)) {
+            LastError = 12004;
+            const QString text = QStringLiteral("The file could not be read: ") + localPath;
+            m_ui.ShowUploadError(text, FtpErrors::ConnectionReset);
+            m_ui.FloodShowStatus(text);
+        } else {
+            BytesSent = 0;
+            FileTotal = double(file.size());
+            QString shown = name;
+            shown.replace(QLatin1Char('_'), QLatin1Char(' '));
+            m_ui.FloodFillInit(FileTotal, QStringLiteral("Uploading ") + shown);
+            TransferMode = Uploading;
+
+            const QString temporary = TemporaryName(name);
+            qint64 reported = 0;
+            FtpConnection::Request request;
+            request.kind = FtpConnection::Request::Kind::Store;
+            request.quote = {QStringLiteral("CWD ") + directory};
+            request.fileName = temporary;
+            request.postQuote = {QStringLiteral("RNFR ") + temporary,
+                                 QStringLiteral("RNTO ") + name};
+            request.uploadSize = file.size();
+            request.read = [&file](char *buffer, size_t size) -> size_t {
+                const qint64 got = file.read(buffer, qint64(size));
+                return got < 0 ? CURL_READFUNC_ABORT : size_t(got);
+            };
+            request.progress = [&](qint64, qint64 up) {
+                if (up > reported) {
+                    TransferStatusCallback(30, up - reported);
+                    reported = up;
+                }
+            };
+            const auto result = session.perform(request);
+            if (result.ok()) {
+                m_ui.FloodFillUpdate(FileTotal);
+                sent = true;
+            } else {
+                LastWasCancelled = result.cancelled || m_state.skipped();
+                LastError = result.cancelled ? FtpErrors::OperationCancelled
+                                             : FtpErrors::NumberFor(result.code, session);
+                if (!LastWasCancelled)
+                    m_ui.FloodShowStatus(WininetErrorText(LastError, session.lastReply().text()));
+            }
+            TransferMode = Idle;
+        }
+    }
+    closeSession(session);
+    m_ui.SetBusyCursor(false);
+    return sent;
+}
+
+bool TransferEngine::SessionDownload(const QString &server, const QString &user,
+                                     const QString &password, const QString &remotePath,
+                                     const QString &localPath)
+{
+    LastError = 0;
+    LastWasCancelled = false;
+    const FtpAddress address = FtpAddress::fromServerField(server);
+    if (!address.valid) {
+        LastError = 12007;
+        return false;
+    }
+    const qsizetype slash = remotePath.lastIndexOf(QLatin1Char('/'));
+    const QString wanted = remotePath.mid(slash + 1);
+    const QString remoteDirectory =
+        slash < 0 ? QString() : (slash == 0 ? QStringLiteral("/") : remotePath.left(slash));
+
+    FtpConnection session(address, user, password);
+    session.cancelRequested = cancelWatch();
+    hookStatus(session, address.host);
+
+    bool fetched = false;
+    QString directory;
+    if (connectSession(session, remoteDirectory, &directory) && !wanted.isEmpty()) {
+        QByteArray listing;
+        FtpConnection::Request lookup;
+        lookup.kind = FtpConnection::Request::Kind::List;
+        lookup.quote = {QStringLiteral("CWD ") + directory};
+        lookup.write = [&listing](const char *data, size_t size) {
+            listing.append(data, qsizetype(size));
+            return true;
+        };
+        std::optional<cDirItem> found;
+        if (session.perform(lookup).ok()) {
+            for (const cDirItem &item : FtpListing::Parse(listing)) {
+                if (item.Name == wanted && !item.isDirectory()) {
+                    found = item;
+                    break;
+                }
+            }
+        }
+        QSaveFile file(localPath);
+        if (found && file.open(QIODevice::WriteOnly)) {
+            m_ui.SetBusyCursor(true);
+            BytesReceived = 0;
+            FileTotal = double(found->Size);
+            QString shown = wanted;
+            shown.replace(QLatin1Char('_'), QLatin1Char(' '));
+            m_ui.FloodFillInit(FileTotal, QStringLiteral("Downloading ") + shown);
+            TransferMode = Downloading;
+            qint64 reported = 0;
+            bool localFailed = false;
+            FtpConnection::Request request;
+            request.kind = FtpConnection::Request::Kind::Retrieve;
+            request.quote = {QStringLiteral("CWD ") + directory};
+            request.fileName = wanted;
+            request.write = [&](const char *data, size_t size) {
+                localFailed = file.write(data, qint64(size)) != qint64(size);
+                return !localFailed;
+            };
+            request.progress = [&](qint64 down, qint64) {
+                if (down > reported) {
+                    TransferStatusCallback(41, down - reported);
+                    reported = down;
+                }
+            };
+            const auto result = session.perform(request);
+            if (result.ok() && file.commit()) {
+                m_ui.FloodFillUpdate(FileTotal);
+                fetched = true;
+            } else {
+                file.cancelWriting();
+                LastWasCancelled = result.cancelled || m_state.skipped();
+                LastError = localFailed || result.ok()
+                                ? 12004
+                                : (result.cancelled ? FtpErrors::OperationCancelled
+                                                    : FtpErrors::NumberFor(result.code, session));
+                if (!LastWasCancelled)
+                    m_ui.FloodShowStatus(WininetErrorText(LastError, session.lastReply().text()));
+            }
+            TransferMode = Idle;
+        }
+    }
+    closeSession(session);
+    m_ui.SetBusyCursor(false);
+    return fetched;
+}
+
+void TransferEngine::TransferStatusCallback(int status, const QVariant &data)
+{
+    const auto text = [&data] { return cutAtNull(data.toString()); };
+    switch (status) {
+    case 0:
+        m_ui.FloodShowStatus(QStringLiteral("Looking up the IP address for ") + text());
+        break;
+    case 1:
+        m_ui.FloodShowStatus(QStringLiteral("Name resolved ") + text());
+        break;
+    case 10:
+        m_ui.FloodShowStatus(QStringLiteral("HTTP request redirected to ") + text());
+        break;
+    case 20:
+        m_ui.FloodShowStatus(QStringLiteral("Connecting to server...") + text());
+        break;
+    case 21:
+        m_ui.FloodShowStatus(QStringLiteral("Connected to ") + text());
+        break;
+    case 30:
+        BytesSent += double(data.toLongLong());
+        if (TransferMode == Uploading)
+            m_ui.FloodFillUpdate(BytesSent);
+        break;
+    case 31:
+        BytesSent += double(data.toLongLong());
+        break;
+    case 41:
+        BytesReceived += double(data.toLongLong());
+        if (TransferMode == Downloading)
+            m_ui.FloodFillUpdate(BytesReceived);
+        break;
+    case 50:
+        m_ui.FloodShowStatus(QStringLiteral("Closing connection"));
+        break;
+    case 51:
+        m_ui.FloodShowStatus(QStringLiteral("Connection closed"));
+        break;
+    case 60:
+        m_ui.FloodShowStatus(QStringLiteral("Handle created: ") +
+                             QString::number(data.toLongLong()));
+        break;
+    case 70:
+        if (TransferMode == Downloading || TransferMode == Uploading)
+            TransferMode = Idle;
+        break;
+    case 80:
+        m_ui.FloodShowStatus(QStringLiteral("Detecting proxy"));
+        break;
+    case 200:
+        if (data.toInt() == 2)
+            m_ui.FloodShowStatus(QStringLiteral("Disconnected from network."));
+        else if (data.toInt() == 16)
+            m_ui.FloodShowStatus(QStringLiteral("Disconnected by user request."));
+        break;
+    default:
+        break;
+    }
+}
+
+QString TransferEngine::WininetErrorText(int number, const QString &serverReply)
+{
+    QString text = FtpErrors::Description(number);
+    if (number == FtpErrors::ExtendedError && !serverReply.isEmpty())
+        text = serverReply;
+    // Every error goes to the form as a reset, so the form always closes by itself.
+    m_ui.ShowUploadError(text, FtpErrors::ConnectionReset);
+    return text;
+}

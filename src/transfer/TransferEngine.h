@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+class TransferUi;
+struct JobState;
+class FtpConnection;
+
+// The per-file transfers: each call opens a session and a connection of its own for one file,
+// drives dlgFTP's bar through TransferStatusCallback, and closes them again, beside the main
+// window's cFTP. A cancel (UserResponse turning to "!!Skip!!", or UploadCancelled set, while
+// the file goes across) stops the file in flight.
+//
+// An upload goes to a temporary name in the target directory and is renamed to its own name
+// only when the whole file has arrived, so a cut transfer never leaves a partial file under
+// the final name. A download is written beside the local file and replaces it only when whole.
+class TransferEngine final
+{
+public:
+    // TransferMode values.
+    static constexpr int Idle = 0;
+    static constexpr int Downloading = 3;
+    static constexpr int Uploading = 5;
+
+    TransferEngine(TransferUi &ui, JobState &state);
+
+    // Sends localPath into remoteDirectory (absolute) under its own name. false on any
+    // failure; only a failure of the transfer itself (not of the connect or login) shows its
+    // text, through frmErrUpload and the bar's status, and a cancelled one shows nothing.
+    bool SessionUpload(const QString &server, const QString &user, const QString &password,
+                       const QString &remoteDirectory, const QString &localPath);
+    // Fetches remotePath (directory and file) into localPath.
+    bool SessionDownload(const QString &server, const QString &user, const QString &password,
+                         const QString &remotePath, const QString &localPath);
+
+    // The status table: the library's moments, given the numbers they are known by (10 a name
+    // look-up starts, 20 connecting, 21 connected, 30 bytes sent, 41 bytes received, 50/51 a
+    // connection closes, 60 handle created, 70 handle closing, 200 state change ...). Any
+    // number may come; those not in the table do nothing.
+    void TransferStatusCallback(int status, const QVariant &data);
+
+    // The text of an error number (the server's reply for 12003), shown in frmErrUpload,
+    // which is waited for; returns the text.
+    QString WininetErrorText(int number, const QString &serverReply = QString());
+
+    // The temporary name an upload of fileName travels under.
+    static QString TemporaryName(const QString &fileName);
+
+    double FileTotal = 0;
+    double BytesSent = 0;
+    double BytesReceived = 0;
+    int TransferMode = Idle;
+    // The number of the last failure (0 after a success), and whether it was a cancel.
+    int LastError = 0;
+    bool LastWasCancelled = false;
+
+private:
+    void hookStatus(FtpConnection &connection, const QString &host);
+    bool connectSession(FtpConnection &connection, const QString &directory, QString *current);
+    std::function<bool()> cancelWatch() const;
+    void closeSession(FtpConnection &connection);
+
+    TransferUi &m_ui;
+    JobState &m_state;
+};

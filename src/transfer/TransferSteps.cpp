@@ -1,0 +1,224 @@
+#include "TransferSteps.h"
+
+#include "JobState.h"
+#include "JobUi.h"
+#include "Settings.h"
+#include "SettingsKeys.h"
+#include "TransferEngine.h"
+#include "TransferUi.h"
+#include "cFTP.h"
+
+#include <QLocale>
+#include <QTime>
+
+namespace {
+
+constexpr int Attempts = 3;
+
+QString nameOf(const QString &path)
+{
+    const qsizetype cut =
+        std::max(path.lastIndexOf(QLatin1Char('/')), path.lastIndexOf(QLatin1Char('\\')));
+    return path.mid(cut + 1);
+}
+
+void showOrHideProgress(TransferContext &context)
+{
+    if (context.state.BackgroundRequested)
+        context.progress.HideProgress();
+    else
+        context.progress.ShowProgress();
+}
+
+const QString DirectoryFailure = QStringLiteral(
+    "Failed to create/find a directory, retry. Note:On some servers the root (main directory) "
+    "for the FTP site is not at the same level as the web directory. This can cause problems. "
+    "Contact your ISP and have them set the FTP root to the same level as the Web directory. "
+    "Another option is for you to change the root path of this program under the 'Standard FTP "
+    "and settings' function, then select 'Advanced settings'.");
+
+} // namespace
+
+QString &LastUploadPath()
+{
+    static QString path;
+    return path;
+}
+
+bool UploadFileToFTP(TransferContext &context, const QString &localPath)
+{
+    const QString directory = context.ftp.GetFTPDirectory().trimmed();
+    const QString name = nameOf(localPath);
+    // The old copy goes first: some servers refuse to overwrite, and a failed send then
+    // leaves no stale copy behind.
+    context.ftp.DeleteFTPFile(name);
+    LastUploadPath() = context.window.UploadPath();
+
+    TransferEngine engine(context.progress, context.state);
+    bool sent = false;
+    for (int attempt = 1; attempt <= Attempts && !sent; ++attempt) {
+        if (attempt > 1) {
+            context.progress.UnloadProgress();
+            context.ui.ProcessEvents();
+            context.ui.ProcessEvents();
+        }
+        showOrHideProgress(context);
+        const FtpAccount account = context.window.account();
+        sent = engine.SessionUpload(account.server, account.user, account.password, directory,
+                                    localPath);
+        // A cancelled file is not tried again.
+        if (!sent && (engine.LastWasCancelled || context.state.skipped()))
+            break;
+    }
+    // The temporary copy of a failed send is removed where the server still answers.
+    if (!sent && !engine.LastWasCancelled && !context.state.skipped())
+        context.ftp.DeleteFTPFile(TransferEngine::TemporaryName(name));
+    context.progress.UnloadProgress();
+    return sent;
+}
+
+bool DownloadFileToFTP(TransferContext &context, const QString &localPath,
+                       const QString &remoteName)
+{
+    QString directory = context.ftp.GetFTPDirectory().trimmed();
+    if (!directory.endsWith(QLatin1Char('/')))
+        directory += QLatin1Char('/');
+    const QString remote = directory + (remoteName.isEmpty() ? nameOf(localPath) : remoteName);
+
+    TransferEngine engine(context.progress, context.state);
+    bool fetched = false;
+    for (int attempt = 1; attempt <= Attempts && !fetched; ++attempt) {
+        if (attempt > 1) {
+            context.progress.UnloadProgress();
+            context.ui.ProcessEvents();
+            context.ui.ProcessEvents();
+        }
+        showOrHideProgress(context);
+        const FtpAccount account = context.window.account();
+        fetched = engine.SessionDownload(account.server, account.user, account.password, remote,
+                                         localPath);
+        if (!fetched && (engine.LastWasCancelled || context.state.skipped()))
+            break;
+    }
+    context.progress.UnloadProgress();
+    return fetched;
+}
+
+bool verifyUploadPath(cFTP &ftp, const QString &expected)
+{
+    const QString directory = ftp.GetFTPDirectory().trimmed();
+    if (directory == QLatin1String("/") || directory.isEmpty())
+        return false;
+    return directory.contains(expected);
+}
+
+bool CheckFTPDir(TransferContext &context, const QString &name)
+{
+    QString directory = name;
+    directory.replace(QLatin1Char(' '), QLatin1Char('_'));
+    if (const cDirItem *item = context.ftp.Directory().Item(directory))
+        return item->isDirectory();
+    if (context.ftp.CreateFTPDirectory(directory)) {
+        context.window.ReloadFTPList();
+        return true;
+    }
+    context.ui.Message(DirectoryFailure, QStringLiteral("Tarnwick"), JobUi::Buttons::Ok,
+                       JobUi::Icon::Warning);
+    return false;
+}
+
+bool EnsureFTPDirectory(TransferContext &context, const QString &name)
+{
+    QString directory = name;
+    directory.replace(QLatin1Char(' '), QLatin1Char('_'));
+    if (!CheckFTPDir(context, directory))
+        return false;
+    const auto enter = [&] {
+        if (!context.ftp.SetFTPDirectory(directory))
+            return false;
+        context.window.ReloadFTPList();
+        context.window.showUploadPath(context.ftp.CurrentDirectory());
+        return true;
+    };
+    const cDirItem *item = context.ftp.Directory().Item(directory);
+    if (item && item->isDirectory())
+        return enter();
+    if (item)
+        return false;
+    context.ui.SetStatusText(QStringLiteral("Creating a directory"));
+    if (!context.ftp.CreateFTPDirectory(directory)) {
+        // Made by someone else meanwhile, or not at all: entering it tells which.
+        return enter();
+    }
+    context.window.ReloadFTPList();
+    return enter();
+}
+
+JobConnection ConnectForJob(TransferContext &context, const JobConnectOptions &options,
+                            QString *failureText)
+{
+    context.ui.SetStatusText(QStringLiteral("Connecting"));
+    context.ui.SetStepOf(QString());
+    if (options.runWithoutConnections)
+        return JobConnection::StayLocal;
+    const FtpAccount account = context.window.account();
+    if (!context.ftp.OpenConnection(account.server, account.user, account.password)) {
+        if (failureText)
+            *failureText = QStringLiteral("failed to connect, retry. (") +
+                           context.ftp.GetLastErrorMessage() + QLatin1Char(')');
+        return JobConnection::Failed;
+    }
+    context.ftp.SetFTPDirectory(QStringLiteral("/"));
+    context.window.ReloadFTPList();
+    if (!options.ftpRoot.trimmed().isEmpty())
+        context.ftp.SetFTPDirectory(options.ftpRoot.trimmed());
+    context.ui.SetStatusText(
+        QStringLiteral("Connected to ") + account.server + QStringLiteral(" as ") + account.user +
+        QStringLiteral(" at ") +
+        QLocale::c().toString(QTime::currentTime(), QStringLiteral("HH:mm:ss")));
+    // A connection that worked is remembered, whatever the fields held before.
+    SaveSetting(SettingKey::Server, account.server);
+    SaveSetting(SettingKey::User, account.user);
+    SaveSetting(SettingKey::Password, account.password);
+    if (!options.clientRoot.trimmed().isEmpty()) {
+        context.window.ReloadFTPList();
+        if (!EnsureFTPDirectory(context, options.clientRoot.trimmed()))
+            return JobConnection::NoClientRoot;
+    }
+    return JobConnection::Connected;
+}
+
+JobDirectory EnterJobDirectories(TransferContext &context, const QStringList &directories,
+                                 const QString &expected)
+{
+    context.ui.SetStatusText(QStringLiteral("Verifing Path"));
+    context.window.ReloadFTPList();
+    for (const QString &directory : directories) {
+        if (!EnsureFTPDirectory(context, directory))
+            return JobDirectory::NoDirectory;
+    }
+    return verifyUploadPath(context.ftp, expected) ? JobDirectory::Entered
+                                                   : JobDirectory::WrongPath;
+}
+
+bool SendJobFiles(TransferContext &context, const QStringList &localPaths)
+{
+    context.ui.SetStatusText(QStringLiteral("Sending Files"));
+    const int total = int(localPaths.size());
+    for (int i = 0; i < total; ++i) {
+        context.ui.SetStepOf(QStringLiteral("Currently loading section ") + QString::number(i + 1) +
+                             QStringLiteral(" of ") + QString::number(total));
+        if (context.state.skipped())
+            return false;
+        UploadFileToFTP(context, localPaths.at(i));
+        if (context.state.skipped())
+            return false;
+    }
+    return true;
+}
+
+void DisconnectForJob(TransferContext &context)
+{
+    context.ui.SetStatusText(QStringLiteral("Disconnecting"));
+    context.window.cmdDisconnect();
+}

@@ -1,0 +1,300 @@
+#include "DialogTransferUi.h"
+#include "FtpErrors.h"
+#include "JobState.h"
+#include "TestMain.h"
+#include "TransferEngine.h"
+#include "TransferTestSupport.h"
+#include "dlgFTP.h"
+#include "frmErrUpload.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QPushButton>
+#include <QTimer>
+
+class TestTransferEngine : public QObject
+{
+    Q_OBJECT
+private:
+    std::unique_ptr<FtpTestServer> m_server;
+    QTemporaryDir m_local;
+
+    static frmErrUpload *openErrorForm()
+    {
+        for (QWidget *widget : QApplication::topLevelWidgets()) {
+            if (auto *form = qobject_cast<frmErrUpload *>(widget); form && form->isVisible())
+                return form;
+        }
+        return nullptr;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        m_server = std::make_unique<FtpTestServer>();
+        QVERIFY2(m_server->start(), qPrintable(m_server->errorString()));
+    }
+
+    void init() { JobState::instance().reset(); }
+
+    void statusTable_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QVariant>("data");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("0") << 0 << QVariant(QStringLiteral("ftp.example.com"))
+                           << "Looking up the IP address for ftp.example.com";
+        QTest::newRow("1") << 1 << QVariant(QStringLiteral("10.0.0.1")) << "Name resolved 10.0.0.1";
+        QTest::newRow("11 shows nothing") << 11 << QVariant(QStringLiteral("10.0.0.1")) << "";
+        QTest::newRow("10") << 10 << QVariant(QStringLiteral("ftp.example.com"))
+                            << "HTTP request redirected to ftp.example.com";
+        QTest::newRow("20") << 20 << QVariant(QStringLiteral("10.0.0.1:21"))
+                            << "Connecting to server...10.0.0.1:21";
+        QTest::newRow("21 cut at NUL")
+            << 21 << QVariant(QStringLiteral("10.0.0.1") + QChar(0) + QStringLiteral("junk"))
+            << "Connected to 10.0.0.1";
+        QTest::newRow("50") << 50 << QVariant() << "Closing connection";
+        QTest::newRow("51") << 51 << QVariant() << "Connection closed";
+        QTest::newRow("60") << 60 << QVariant(4711) << "Handle created: 4711";
+        QTest::newRow("80") << 80 << QVariant() << "Detecting proxy";
+        QTest::newRow("200 network") << 200 << QVariant(2) << "Disconnected from network.";
+        QTest::newRow("200 user") << 200 << QVariant(16) << "Disconnected by user request.";
+        QTest::newRow("200 other") << 200 << QVariant(4) << "";
+        QTest::newRow("31 shows nothing") << 31 << QVariant(100) << "";
+        QTest::newRow("unknown") << 137 << QVariant(1) << "";
+        QTest::newRow("beyond") << 100000 << QVariant() << "";
+    }
+
+    void statusTable()
+    {
+        QFETCH(int, status);
+        QFETCH(QVariant, data);
+        QFETCH(QString, shown);
+        DialogTransferUi ui(JobState::instance());
+        ui.ShowProgress();
+        ui.FloodFillInit(1000, QStringLiteral("Uploading a.jpg"));
+        ui.FloodFillUpdate(250);
+        TransferEngine engine(ui, JobState::instance());
+        engine.TransferStatusCallback(status, data);
+        const QString expected =
+            QStringLiteral("25% ") + (shown.isEmpty() ? QStringLiteral("Uploading a.jpg") : shown);
+        QCOMPARE(ui.dialog()->flood()->text(), expected);
+        // The next update brings the stored status back.
+        ui.FloodFillUpdate(500);
+        QCOMPARE(ui.dialog()->flood()->text(), QStringLiteral("50% Uploading a.jpg"));
+        ui.UnloadProgress();
+    }
+
+    void byteCountsDrawOnlyInTheirMode()
+    {
+        DialogTransferUi ui(JobState::instance());
+        ui.ShowProgress();
+        ui.FloodFillInit(1000, QStringLiteral("Uploading x"));
+        TransferEngine engine(ui, JobState::instance());
+        engine.TransferMode = TransferEngine::Idle;
+        engine.TransferStatusCallback(30, 300);
+        engine.TransferStatusCallback(41, 200);
+        QCOMPARE(engine.BytesSent, 300.0);
+        QCOMPARE(engine.BytesReceived, 200.0);
+        QCOMPARE(ui.dialog()->flood()->value(), 0.0);
+        engine.TransferMode = TransferEngine::Uploading;
+        engine.TransferStatusCallback(30, 300);
+        QCOMPARE(ui.dialog()->flood()->value(), 600.0);
+        engine.TransferStatusCallback(41, 100);
+        QCOMPARE(ui.dialog()->flood()->value(), 600.0);
+        engine.TransferStatusCallback(31, 50);
+        QCOMPARE(engine.BytesSent, 650.0);
+        QCOMPARE(ui.dialog()->flood()->value(), 600.0);
+        engine.TransferMode = TransferEngine::Downloading;
+        engine.TransferStatusCallback(41, 100);
+        QCOMPARE(ui.dialog()->flood()->value(), 400.0);
+        engine.TransferStatusCallback(70, 0);
+        QCOMPARE(engine.TransferMode, TransferEngine::Idle);
+        // The value is clamped to the total.
+        engine.TransferMode = TransferEngine::Uploading;
+        engine.TransferStatusCallback(30, 5000);
+        QCOMPARE(ui.dialog()->flood()->value(), 1000.0);
+        QCOMPARE(ui.dialog()->flood()->text(), QStringLiteral("100% Uploading x"));
+    }
+
+    void errorTexts_data()
+    {
+        QTest::addColumn<int>("number");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("12001") << 12001 << "No more handles could be generated at this time";
+        QTest::newRow("12011 trailing blank")
+            << 12011 << "Request option can not be set, only queried. ";
+        QTest::newRow("12014") << 12014
+                               << "Request to connect and login to an FTP server could not be "
+                                  "completed because the supplied password is incorrect. ";
+        QTest::newRow("12017")
+            << 12017
+            << "Operation was canceled, usually because the handle on which the request was "
+               "operating was closed before the operation completed.";
+        QTest::newRow("12029") << 12029 << "Attempt to connect to the server failed.";
+        QTest::newRow("12031") << 12031 << "Connection with the server has been reset.";
+        QTest::newRow("12036") << 12036 << "Request failed because the handle already exists.";
+        QTest::newRow("12003 without reply") << 12003 << "Extended error returned from server.";
+        QTest::newRow("unknown") << 12032 << "Error details not available.";
+        QTest::newRow("far off") << 7 << "Error details not available.";
+    }
+
+    void errorTexts()
+    {
+        QFETCH(int, number);
+        QFETCH(QString, text);
+        DialogTransferUi ui(JobState::instance());
+        ui.setErrorAutoCloseMs(150);
+        TransferEngine engine(ui, JobState::instance());
+        QString shown;
+        QString note;
+        QTimer::singleShot(50, [&] {
+            if (frmErrUpload *form = openErrorForm()) {
+                shown = form->findChild<QLabel *>(QStringLiteral("Label1"))->text();
+                note = form->findChild<QLabel *>(QStringLiteral("Label2"))->text();
+            }
+        });
+        QElapsedTimer clock;
+        clock.start();
+        QCOMPARE(engine.WininetErrorText(number), text);
+        // The form was shown with the text, and closed by itself.
+        QCOMPARE(shown, text);
+        QCOMPARE(note, QStringLiteral("This will auto reset in 5 seconds"));
+        QVERIFY(clock.elapsed() >= 140);
+        QVERIFY(!openErrorForm());
+    }
+
+    void serverReplyIsTheTextOf12003()
+    {
+        DialogTransferUi ui(JobState::instance());
+        ui.setErrorAutoCloseMs(10);
+        TransferEngine engine(ui, JobState::instance());
+        QCOMPARE(engine.WininetErrorText(12003, QStringLiteral("552 Disk full.")),
+                 QStringLiteral("552 Disk full."));
+    }
+
+    void errorFormClosesByItselfAfterFiveSeconds()
+    {
+        frmErrUpload form;
+        form.Load(QStringLiteral("Connection with the server has been reset."), 12031);
+        QElapsedTimer clock;
+        clock.start();
+        form.ShowAndWait();
+        QVERIFY2(clock.elapsed() >= 4900 && clock.elapsed() < 6500,
+                 qPrintable(QString::number(clock.elapsed())));
+        QVERIFY(!form.isVisible());
+    }
+
+    void errorFormOkCloses()
+    {
+        frmErrUpload form;
+        form.Load(QStringLiteral("text"), 12031, 60000);
+        QTimer::singleShot(50, [&] {
+            QTest::mouseClick(form.findChild<QPushButton *>(QStringLiteral("OKButton")),
+                              Qt::LeftButton);
+        });
+        QElapsedTimer clock;
+        clock.start();
+        form.ShowAndWait();
+        QVERIFY(clock.elapsed() < 2000);
+    }
+
+    void sessionUploadSendsTheWholeFileUnderItsName()
+    {
+        const QByteArray content = TestPattern(3 * 1024 * 1024 + 17);
+        const QString local = m_local.filePath(QStringLiteral("Big_Picture.jpg"));
+        WriteTestFile(local, content);
+        QDir().mkpath(m_server->localPath(QStringLiteral("/Photos/Page")));
+        DialogTransferUi ui(JobState::instance());
+        ui.ShowProgress();
+        TransferEngine engine(ui, JobState::instance());
+        QVERIFY(engine.SessionUpload(m_server->server(), m_server->user(), m_server->password(),
+                                     QStringLiteral("/Photos/Page"), local));
+        QCOMPARE(ReadTestFile(m_server->localPath(QStringLiteral("/Photos/Page/Big_Picture.jpg"))),
+                 content);
+        QVERIFY(!QFileInfo::exists(
+            m_server->localPath(QStringLiteral("/Photos/Page/") +
+                                TransferEngine::TemporaryName(QStringLiteral("Big_Picture.jpg")))));
+        QCOMPARE(engine.FileTotal, double(content.size()));
+        QCOMPARE(engine.BytesSent, double(content.size()));
+        QCOMPARE(engine.TransferMode, TransferEngine::Idle);
+        QCOMPARE(engine.LastError, 0);
+        // The status shows the name with blanks for "_", and ends with the connection closed.
+        QCOMPARE(ui.dialog()->flood()->status(), QStringLiteral("Uploading Big Picture.jpg"));
+        QCOMPARE(ui.dialog()->flood()->text(), QStringLiteral("100% Connection closed"));
+        ui.UnloadProgress();
+    }
+
+    void sessionDownload()
+    {
+        const QByteArray content = TestPattern(200 * 1024);
+        WriteTestFile(m_server->localPath(QStringLiteral("/get/file name.bin")), content);
+        const QString local = m_local.filePath(QStringLiteral("file name.bin"));
+        DialogTransferUi ui(JobState::instance());
+        ui.ShowProgress();
+        TransferEngine engine(ui, JobState::instance());
+        QVERIFY(engine.SessionDownload(m_server->server(), m_server->user(), m_server->password(),
+                                       QStringLiteral("/get/file name.bin"), local));
+        QCOMPARE(ReadTestFile(local), content);
+        QCOMPARE(engine.BytesReceived, double(content.size()));
+        QCOMPARE(ui.dialog()->flood()->status(), QStringLiteral("Downloading file name.bin"));
+        // A missing file fails in silence and leaves the local file alone.
+        QVERIFY(!engine.SessionDownload(m_server->server(), m_server->user(), m_server->password(),
+                                        QStringLiteral("/get/none.bin"), local));
+        QCOMPARE(ReadTestFile(local), content);
+        ui.UnloadProgress();
+    }
+
+    void failedLoginIsSilent()
+    {
+        const QString local = m_local.filePath(QStringLiteral("a.txt"));
+        WriteTestFile(local, "a");
+        DialogTransferUi ui(JobState::instance());
+        ui.setErrorAutoCloseMs(10);
+        TransferEngine engine(ui, JobState::instance());
+        bool formSeen = false;
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, [&] { formSeen = formSeen || openErrorForm(); });
+        poll.start(5);
+        QVERIFY(!engine.SessionUpload(m_server->server(), m_server->user(), QStringLiteral("bad"),
+                                      QStringLiteral("/"), local));
+        QVERIFY(!formSeen);
+        QCOMPARE(engine.LastError, 12014);
+        QVERIFY(!engine.SessionUpload(QStringLiteral("127.0.0.1:1"), QStringLiteral("u"),
+                                      QStringLiteral("p"), QStringLiteral("/"), local));
+        QCOMPARE(engine.LastError, 12029);
+        QVERIFY(!formSeen);
+    }
+
+    void refusedStoreShowsTheServersReply()
+    {
+        FtpTestServer::Options options;
+        options.faults = {QStringLiteral("stor-552")};
+        FtpTestServer full(options);
+        QVERIFY2(full.start(), qPrintable(full.errorString()));
+        const QString local = m_local.filePath(QStringLiteral("b.txt"));
+        WriteTestFile(local, "b");
+        DialogTransferUi ui(JobState::instance());
+        ui.setErrorAutoCloseMs(50);
+        ui.ShowProgress();
+        TransferEngine engine(ui, JobState::instance());
+        QString shown;
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, [&] {
+            if (frmErrUpload *form = openErrorForm())
+                shown = form->findChild<QLabel *>(QStringLiteral("Label1"))->text();
+        });
+        poll.start(5);
+        QVERIFY(!engine.SessionUpload(full.server(), full.user(), full.password(),
+                                      QStringLiteral("/"), local));
+        QCOMPARE(shown,
+                 QStringLiteral("552 Requested file action aborted. Exceeded storage allocation."));
+        QCOMPARE(engine.LastError, 12003);
+        QVERIFY(!QFileInfo::exists(full.localPath(QStringLiteral("b.txt"))));
+        ui.UnloadProgress();
+    }
+};
+
+TARNWICK_TEST_MAIN(TestTransferEngine)
+#include "test_transferengine.moc"
