@@ -1,3 +1,4 @@
+#include "PhotoFrameInstall.h"
 #include "frmMain.h"
 
 #include <QApplication>
@@ -24,6 +25,7 @@ int main(int argc, char *argv[])
         // program ends at once. Settings are written as they change, so nothing is lost.
         QTimer::singleShot(0, [] { std::_Exit(0); });
     });
+    InstallPhotoFrame(window);
     window.Load();
     window.show();
     return QApplication::exec();

@@ -152,6 +152,7 @@ QWidget *ReadyToSendPage::buildCopyColumn()
     const QString captions[3] = {QStringLiteral("Copy"), QStringLiteral("Rotate Left && Copy"),
                                  QStringLiteral("Rotate Right && Copy")};
     auto *copyBox = new QGroupBox(QStringLiteral("Copy to the Ready to Send list"), column);
+    copyBox->setObjectName(QStringLiteral("CopyBox"));
     auto *copyLayout = new QVBoxLayout(copyBox);
     for (int i = 0; i < 3; ++i) {
         m_copyButtons[i] = makeButton(QStringLiteral("CopyButton_%1").arg(i), captions[i], copyBox);
