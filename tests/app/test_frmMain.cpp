@@ -504,7 +504,7 @@ private slots:
         QTRY_VERIFY(page->x() > start);
         QCOMPARE((page->x() - start) % 5, 0);
         // At the end mark the link travels back.
-        QTRY_VERIFY_WITH_TIMEOUT(link->isVisible() && !page->isVisible(), 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(link->isVisible() && !page->isVisible(), 30000);
         const int back = link->x();
         QTRY_VERIFY(link->x() < back);
     }
