@@ -23,8 +23,8 @@ const QString Trying = QStringLiteral("trying");
 
 // A line that keeps growing under replacements (a setting that holds its own placeholder)
 // would never end; past these bounds it counts as the run-time failure it would be.
-constexpr qsizetype MaxLineLength = 4 * 1024 * 1024;
-constexpr int MaxTokensPerLine = 100000;
+constexpr qsizetype MaxLineLength = 1024 * 1024;
+constexpr int MaxTokensPerLine = 10000;
 
 QString setting(const char *key, const char *fallback)
 {
