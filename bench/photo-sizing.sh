@@ -45,6 +45,10 @@ cat "$scratch"/work/* >/dev/null
 /usr/bin/time -f "%e %U %S %M" -o "$scratch/tarnwick.time" \
     "$bench" "$scratch/work" "$scratch/tarnwick" "$small" "$large" "$cores" >/dev/null
 read -r t_time t_user t_sys t_mem < "$scratch/tarnwick.time"
+rm -rf "$scratch/tarnwick1"
+/usr/bin/time -f "%e %U %S %M" -o "$scratch/tarnwick1.time" \
+    "$bench" "$scratch/work" "$scratch/tarnwick1" "$small" "$large" 1 >/dev/null
+read -r o_time o_user o_sys o_mem < "$scratch/tarnwick1.time"
 
 # vipsthumbnail: the same two sizes of each photo (the size box of each copy, so the sides
 # come out as Tarnwick's), every core busy.
@@ -66,6 +70,7 @@ made_t=$(find "$scratch/tarnwick" -name '*.jpg' | wc -l)
 made_v=$(find "$scratch/vips" -name '*.jpg' | wc -l)
 cpu() { echo "$1 + $2" | bc; }
 echo "tarnwick:      $made_t copies in ${t_time} s wall, $(cpu "$t_user" "$t_sys") s CPU, peak ${t_mem} kB"
+echo "tarnwick, one picture at a time: ${o_time} s wall, $(cpu "$o_user" "$o_sys") s CPU, peak ${o_mem} kB"
 echo "vipsthumbnail: $made_v copies in ${v_time} s wall, $(cpu "$v_user" "$v_sys") s CPU (peak of one process ${v_mem} kB)"
 echo "load average before the 18 MP run: $(cut -d' ' -f1-3 /proc/loadavg)"
 

@@ -546,6 +546,22 @@ private slots:
         QVERIFY(!FillTemplateFile(folder + "/missing.txt", page, state).complete);
     }
 
+    void templateSavedWithByteOrderMarkAndCrLf()
+    {
+        const QString folder = TestHomePath() + "/tpl";
+        QDir().mkpath(folder);
+        QFile file(folder + "/Top.txt");
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("\xEF\xBB\xBF<p>caf\xC3\xA9</p>\r\n <b>!!PHOTO_title!!</b>\r\n");
+        file.close();
+        TemplateState state;
+        state.PageTitle = "T";
+        QString out;
+        QTextStream page(&out);
+        QVERIFY(FillTemplateFile(folder + "/Top.txt", page, state).complete);
+        QCOMPARE(out, QString::fromUtf8("<p>café</p>\n <b>T</b>\n"));
+    }
+
     void nonAsciiTextPassesThrough()
     {
         TemplateState state;
