@@ -4,8 +4,10 @@
 #include "Cabinet.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QMap>
 
 #include <memory>
 
@@ -69,6 +71,14 @@ CabinetResult failure(const QString &text)
     return result;
 }
 
+CabinetResult cancelled(const QString &cabPath)
+{
+    CabinetResult result;
+    result.cancelled = true;
+    result.message = QStringLiteral("The work on the cabinet %1 was cancelled.").arg(cabPath);
+    return result;
+}
+
 GObjectPtr<GCabCabinet> loadCabinet(const QString &cabPath, QString *why)
 {
     GObjectPtr<GFile> file(g_file_new_for_path(localPath(cabPath).constData()));
@@ -100,16 +110,39 @@ QStringList namesOf(GCabCabinet *cabinet)
     return names;
 }
 
+// Raises the GLib cancel of a running cabinet job when the caller's flag is up; libgcab looks at
+// it between its reads and writes.
+struct CancelWatch
+{
+    const std::atomic<bool> *flag = nullptr;
+    GObjectPtr<GCancellable> cancellable{g_cancellable_new()};
+
+    bool raised()
+    {
+        if (flag && flag->load())
+            g_cancellable_cancel(cancellable.get());
+        return g_cancellable_is_cancelled(cancellable.get());
+    }
+};
+
+gboolean checkCancel(GCabFile *, gpointer data)
+{
+    return static_cast<CancelWatch *>(data)->raised() ? FALSE : TRUE;
+}
+
 struct ExtractState
 {
     QDir dest;
     bool overwrite = true;
     QStringList names;
+    CancelWatch *cancel = nullptr;
 };
 
 gboolean chooseExtractName(GCabFile *file, gpointer data)
 {
     auto *state = static_cast<ExtractState *>(data);
+    if (state->cancel->raised())
+        return FALSE;
     const QString name = safeRelativeName(withSlashes(gcab_file_get_name(file)));
     if (name.isEmpty())
         return FALSE;
@@ -122,8 +155,25 @@ gboolean chooseExtractName(GCabFile *file, gpointer data)
 
 } // namespace
 
-CabinetResult WriteCabinet(const QString &cabPath, const QList<CabinetEntry> &entries)
+QList<CabinetEntry> CabinetEntriesOf(const QString &folder)
 {
+    const QDir root(folder);
+    QMap<QString, CabinetEntry> sorted;
+    QDirIterator it(root.path(), QDir::Files | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString path = it.next();
+        if (it.fileInfo().isSymLink())
+            continue;
+        const QString name = root.relativeFilePath(path);
+        sorted.insert(name.toLower() + QLatin1Char('\0') + name, {path, name});
+    }
+    return sorted.values();
+}
+
+CabinetResult WriteCabinet(const QString &cabPath, const QList<CabinetEntry> &entries,
+                           const std::atomic<bool> *cancel)
+{
+    CancelWatch watch{cancel};
     GObjectPtr<GCabCabinet> cabinet(gcab_cabinet_new());
     GCabFolder *folder = gcab_folder_new(GCAB_COMPRESSION_MSZIP);
     gcab_cabinet_add_folder(cabinet.get(), folder, nullptr);
@@ -154,12 +204,16 @@ CabinetResult WriteCabinet(const QString &cabPath, const QList<CabinetEntry> &en
             g_file_replace(target.get(), nullptr, FALSE, G_FILE_CREATE_NONE, nullptr, &err.error));
         if (!stream)
             return failure(QStringLiteral("Could not write %1: %2").arg(cabPath, err.text()));
-        const bool written = gcab_cabinet_write_simple(cabinet.get(), G_OUTPUT_STREAM(stream.get()),
-                                                       nullptr, nullptr, nullptr, &err.error);
+        const bool written =
+            !watch.raised() &&
+            gcab_cabinet_write_simple(cabinet.get(), G_OUTPUT_STREAM(stream.get()), checkCancel,
+                                      &watch, watch.cancellable.get(), &err.error);
         const bool closed = g_output_stream_close(G_OUTPUT_STREAM(stream.get()), nullptr,
                                                   written ? &err.error : nullptr);
         if (!written || !closed) {
             QFile::remove(partPath);
+            if (watch.raised())
+                return cancelled(cabPath);
             return failure(QStringLiteral("Could not write %1: %2").arg(cabPath, err.text()));
         }
     }
@@ -172,8 +226,10 @@ CabinetResult WriteCabinet(const QString &cabPath, const QList<CabinetEntry> &en
     return result;
 }
 
-CabinetResult ExtractCabinet(const QString &cabPath, const QString &destFolder, bool overwrite)
+CabinetResult ExtractCabinet(const QString &cabPath, const QString &destFolder, bool overwrite,
+                             const std::atomic<bool> *cancel)
 {
+    CancelWatch watch{cancel};
     if (!QFileInfo(cabPath).isFile())
         return failure(QStringLiteral("The cabinet %1 does not exist.").arg(cabPath));
     if (!QDir().mkpath(destFolder))
@@ -183,12 +239,17 @@ CabinetResult ExtractCabinet(const QString &cabPath, const QString &destFolder, 
     if (!cabinet)
         return failure(QStringLiteral("Could not read the cabinet %1: %2").arg(cabPath, why));
 
-    ExtractState state{QDir(destFolder), overwrite, {}};
+    ExtractState state{QDir(destFolder), overwrite, {}, &watch};
     GObjectPtr<GFile> dest(g_file_new_for_path(localPath(destFolder).constData()));
     GErrorHolder err;
-    CabinetResult result;
     const bool ok = gcab_cabinet_extract_simple(cabinet.get(), dest.get(), chooseExtractName,
-                                                &state, nullptr, &err.error);
+                                                &state, watch.cancellable.get(), &err.error);
+    if (watch.raised()) {
+        CabinetResult result = cancelled(cabPath);
+        result.names = state.names;
+        return result;
+    }
+    CabinetResult result;
     result.names = state.names;
     if (!ok) {
         result.message =

@@ -2,9 +2,12 @@
 #include "TestMain.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
+#include <QThread>
+#include <QtConcurrent/QtConcurrentRun>
 
 namespace {
 
@@ -157,6 +160,79 @@ private slots:
             WriteCabinet(dir.filePath("x.cab"), {{dir.filePath("nofile"), "nofile"}});
         QVERIFY(!noSource.ok);
         QVERIFY(!QFile::exists(dir.filePath("x.cab")));
+    }
+
+    void folderEntriesKeepPathsAndSkipLinks()
+    {
+        QTemporaryDir dir;
+        writeFile(dir.filePath("pack/b.txt"), "b");
+        writeFile(dir.filePath("pack/A.txt"), "a");
+        writeFile(dir.filePath("pack/Trip/c.jpg"), "c");
+        writeFile(dir.filePath("pack/.hidden"), "h");
+        writeFile(dir.filePath("outside.txt"), "o");
+        QVERIFY(QFile::link(dir.filePath("outside.txt"), dir.filePath("pack/link.txt")));
+        QVERIFY(QFile::link(dir.path(), dir.filePath("pack/loop")));
+        const QList<CabinetEntry> entries = CabinetEntriesOf(dir.filePath("pack"));
+        QStringList names;
+        for (const CabinetEntry &entry : entries)
+            names << entry.nameInCabinet;
+        QCOMPARE(names, QStringList({"A.txt", "b.txt", "Trip/c.jpg"}));
+        QCOMPARE(entries.last().sourcePath, dir.filePath("pack/Trip/c.jpg"));
+        QVERIFY(CabinetEntriesOf(dir.filePath("none")).isEmpty());
+
+        QVERIFY(WriteCabinet(dir.filePath("pack.cab"), entries).ok);
+        QVERIFY(ExtractCabinet(dir.filePath("pack.cab"), dir.filePath("back")).ok);
+        QCOMPARE(readFile(dir.filePath("back/Trip/c.jpg")), QByteArray("c"));
+    }
+
+    void raisedCancelStopsBeforeAnything()
+    {
+        QTemporaryDir dir;
+        writeFile(dir.filePath("a.txt"), "a");
+        const std::atomic<bool> cancel{true};
+        const CabinetResult written =
+            WriteCabinet(dir.filePath("c.cab"), {{dir.filePath("a.txt"), "a.txt"}}, &cancel);
+        QVERIFY(!written.ok);
+        QVERIFY(written.cancelled);
+        QVERIFY(!QFile::exists(dir.filePath("c.cab")));
+        QVERIFY(!QFile::exists(dir.filePath("c.cab.part")));
+
+        QVERIFY(WriteCabinet(dir.filePath("c.cab"), {{dir.filePath("a.txt"), "a.txt"}}).ok);
+        const CabinetResult unpacked =
+            ExtractCabinet(dir.filePath("c.cab"), dir.filePath("out"), true, &cancel);
+        QVERIFY(!unpacked.ok);
+        QVERIFY(unpacked.cancelled);
+        QVERIFY(!QFile::exists(dir.filePath("out/a.txt")));
+    }
+
+    void cancelDuringWritingLeavesNoCabinet()
+    {
+        QTemporaryDir dir;
+        QRandomGenerator random(11);
+        QList<CabinetEntry> entries;
+        for (int i = 0; i < 16; ++i) {
+            QByteArray bytes(1024 * 1024, '\0');
+            for (char &c : bytes)
+                c = char(random.bounded(256));
+            const QString name = QStringLiteral("f%1.bin").arg(i);
+            writeFile(dir.filePath(name), bytes);
+            entries.append({dir.filePath(name), name});
+        }
+        std::atomic<bool> cancel{false};
+        const QString cab = dir.filePath("big.cab");
+        QFuture<CabinetResult> work =
+            QtConcurrent::run([&] { return WriteCabinet(cab, entries, &cancel); });
+        QElapsedTimer waited;
+        waited.start();
+        while (QFileInfo(cab + ".part").size() == 0 && !work.isFinished() &&
+               waited.elapsed() < 20000)
+            QThread::msleep(1);
+        cancel = true;
+        const CabinetResult result = work.result();
+        QVERIFY(result.cancelled);
+        QVERIFY(!result.ok);
+        QVERIFY(!QFile::exists(cab));
+        QVERIFY(!QFile::exists(cab + ".part"));
     }
 
     void failedWriteKeepsOldCabinet()

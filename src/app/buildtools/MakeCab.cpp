@@ -4,7 +4,6 @@
 #include "Cabinet.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QMap>
 
 #include <cstdio>
@@ -18,26 +17,20 @@ int main(int argc, char *argv[])
     const QString cabinet = QString::fromLocal8Bit(argv[1]);
     const QString lastName = QString::fromLocal8Bit(argv[2]);
 
-    QMap<QString, QString> files; // name in the cabinet, lower-cased for the order -> source
-    QMap<QString, QString> names;
+    QMap<QString, CabinetEntry> files; // by lower-cased name: the order, and no name twice
     for (int i = 3; i < argc; ++i) {
-        const QDir root(QString::fromLocal8Bit(argv[i]));
-        if (!root.exists()) {
+        const QString root = QString::fromLocal8Bit(argv[i]);
+        if (!QDir(root).exists()) {
             std::fprintf(stderr, "no folder %s\n", argv[i]);
             return 1;
         }
-        QDirIterator it(root.path(), QDir::Files | QDir::NoDotAndDotDot,
-                        QDirIterator::Subdirectories);
-        while (it.hasNext()) {
-            const QString source = it.next();
-            const QString name = root.relativeFilePath(source);
-            const QString key = name.toLower();
+        for (const CabinetEntry &entry : CabinetEntriesOf(root)) {
+            const QString key = entry.nameInCabinet.toLower();
             if (files.contains(key)) {
-                std::fprintf(stderr, "%s is given twice\n", qPrintable(name));
+                std::fprintf(stderr, "%s is given twice\n", qPrintable(entry.nameInCabinet));
                 return 1;
             }
-            files.insert(key, source);
-            names.insert(key, name);
+            files.insert(key, entry);
         }
     }
     const QString lastKey = lastName.toLower();
@@ -49,9 +42,9 @@ int main(int argc, char *argv[])
     QList<CabinetEntry> entries;
     for (auto it = files.cbegin(); it != files.cend(); ++it) {
         if (it.key() != lastKey)
-            entries.append({it.value(), names.value(it.key())});
+            entries.append(it.value());
     }
-    entries.append({files.value(lastKey), names.value(lastKey)});
+    entries.append(files.value(lastKey));
 
     const CabinetResult result = WriteCabinet(cabinet, entries);
     if (!result.ok) {
