@@ -1,0 +1,90 @@
+#include "UpdatePhotoPage.h"
+
+#include "Helpers.h"
+#include "History.h"
+#include "JobState.h"
+#include "JobUi.h"
+#include "PhotoBuild.h"
+#include "PhotoPage.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+const QString Tarnwick = QStringLiteral("Tarnwick");
+
+} // namespace
+
+bool LoadHst2(PhotoPage &page, const QString &historyName, const QString &workingFolder, JobUi &ui,
+              JobState &state, PhotoBuildWindow &window)
+{
+    window.setBusy(true);
+    window.DoCleanup();
+    // The list of the page that was open goes without a question.
+    for (const QString &row : ListPictureFiles(workingFolder))
+        DoKill(workingFolder + QLatin1Char('/') + row);
+
+    const auto fail = [&] {
+        window.setBusy(false);
+        window.refreshReadyList();
+        ui.Message(QStringLiteral("Select a History file and retry."), Tarnwick, JobUi::Buttons::Ok,
+                   JobUi::Icon::Warning);
+        return false;
+    };
+    if (historyName.trimmed().isEmpty())
+        return fail();
+    page.FileName = historyName;
+    const HistoryResult read = ReadHistory(page);
+    if (!read.ok)
+        return fail();
+
+    TransferFiles(page, workingFolder, ui, state, window);
+    window.setBusy(false);
+    return true;
+}
+
+int TransferFiles(PhotoPage &page, const QString &workingFolder, JobUi &ui, JobState &state,
+                  PhotoBuildWindow &window)
+{
+    window.showProgressFrame(true);
+    ui.SetStatusText(QStringLiteral("Transfering images"));
+    ui.SetStepOf(QString());
+    ui.ProcessEvents();
+
+    int copied = 0;
+    const int count = page.PhotoNumber;
+    for (int i = 0; i < count && PhotoPage::isRow(i); ++i) {
+        ui.SetStepOf(QString::number(i + 1) + QStringLiteral(" of ") + QString::number(count));
+        ui.ProcessEvents();
+        QString &order = page.PhotoOrder[i];
+        if (order.size() < 5)
+            order = (QStringLiteral("00000") + order).right(5);
+        if (order.isEmpty())
+            order = QStringLiteral("00000");
+
+        const QString source = page.PhotoPath[i] + QLatin1Char('/') + page.PhotoName[i];
+        const QString target =
+            workingFolder + QLatin1Char('/') + order + QLatin1Char('_') + page.PhotoName[i];
+        bool ok = QFileInfo(source).isFile();
+        if (ok) {
+            DoKill(target);
+            ok = QFile::copy(source, target);
+        }
+        if (ok) {
+            ++copied;
+        } else {
+            ui.Message(QStringLiteral("Image not found. The file ") + page.PhotoName[i] +
+                           QStringLiteral(" may have been moved, renamed, or deleted. It was "
+                                          "located at: ") +
+                           page.PhotoPath[i],
+                       Tarnwick, JobUi::Buttons::Ok, JobUi::Icon::Warning);
+        }
+        if (state.UploadCancelled)
+            break;
+    }
+    window.showProgressFrame(false);
+    window.refreshReadyList();
+    window.refreshSourceList();
+    return copied;
+}
