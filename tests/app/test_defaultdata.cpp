@@ -215,7 +215,7 @@ private slots:
     void windowStaysLiveWhileUnpacking()
     {
         QTemporaryDir work;
-        QByteArray big(8 * 1024 * 1024, '\0');
+        QByteArray big(3 * 1024 * 1024, '\0');
         QRandomGenerator random(3);
         for (char &c : big)
             c = char(random.bounded(4));
