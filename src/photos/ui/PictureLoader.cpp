@@ -2,6 +2,15 @@
 
 #include <QImageReader>
 
+namespace {
+
+bool turnsQuarter(QImageIOHandler::Transformations transformation)
+{
+    return transformation.testFlag(QImageIOHandler::TransformationRotate90);
+}
+
+} // namespace
+
 QImage LoadPicture(const QString &path)
 {
     if (path.isEmpty())
@@ -9,5 +18,32 @@ QImage LoadPicture(const QString &path)
     QImageReader reader(path);
     reader.setAutoTransform(true);
     reader.setDecideFormatFromContent(true);
+    return reader.read();
+}
+
+QSize PictureSize(const QString &path)
+{
+    if (path.isEmpty())
+        return QSize();
+    QImageReader reader(path);
+    reader.setDecideFormatFromContent(true);
+    const QSize raw = reader.size();
+    if (!raw.isValid())
+        return QSize();
+    return turnsQuarter(reader.transformation()) ? raw.transposed() : raw;
+}
+
+QImage LoadPictureScaled(const QString &path, const QSize &size)
+{
+    if (path.isEmpty() || !size.isValid() || size.isEmpty())
+        return QImage();
+    QImageReader reader(path);
+    reader.setAutoTransform(true);
+    reader.setDecideFormatFromContent(true);
+    const QSize raw = reader.size();
+    // The reader scales before it turns the picture upright.
+    const QSize wanted = turnsQuarter(reader.transformation()) ? size.transposed() : size;
+    if (raw.isValid() && wanted.width() < raw.width() && wanted.height() < raw.height())
+        reader.setScaledSize(wanted);
     return reader.read();
 }

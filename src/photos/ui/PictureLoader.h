@@ -1,9 +1,20 @@
 #pragma once
 
 #include <QImage>
+#include <QSize>
 #include <QString>
 
-// Reads a picture file the way every view of the program shows it: upright, with the EXIF
+// Reads picture files the way every view of the program shows them: upright, with the EXIF
 // orientation of the camera applied. A file that is missing or isn't a picture gives a null
-// image; nothing is reported.
+// image (or an invalid size); nothing is reported.
+
+// The whole picture.
 QImage LoadPicture(const QString &path);
+
+// The picture's upright size, read from its header without decoding the picture.
+QSize PictureSize(const QString &path);
+
+// The picture decoded at size (upright; the caller keeps the picture's ratio). A JPEG is
+// decoded at the smaller size directly, which is far quicker for a preview of a large photo. A
+// size larger than the picture gives the picture at its own size.
+QImage LoadPictureScaled(const QString &path, const QSize &size);

@@ -306,10 +306,12 @@ void frmDialogPg::File1_Click(const QModelIndex &index)
     m_image2->setGeometry(0, 0, 0, 0);
     if (!index.isValid())
         return;
-    const QImage picture = LoadPicture(m_files->filePath(index.row()));
-    m_image5->setPixmap(QPixmap::fromImage(picture));
-    m_image5->resize(picture.size());
-    if (picture.isNull() || m_image5->height() <= 0)
+    const QString path = m_files->filePath(index.row());
+    // Image5 stands for the picture at its natural size; only its size is needed, so the
+    // picture itself is decoded once, at the size of the preview.
+    const QSize natural = PictureSize(path);
+    m_image5->resize(natural.isValid() ? natural : QSize(0, 0));
+    if (!natural.isValid() || m_image5->height() <= 0)
         return;
 
     const double frameWidth = m_frame->width();
@@ -324,9 +326,14 @@ void frmDialogPg::File1_Click(const QModelIndex &index)
     const double spare = frameWidth - width;
     const int left = spare > 0 ? int(std::lround(spare / 2)) : 0;
     const QSize size(std::max(1, int(std::lround(width))), std::max(1, int(std::lround(height))));
+    const QImage picture = LoadPictureScaled(path, size);
+    if (picture.isNull())
+        return;
     m_image2->setGeometry(left, 0, size.width(), size.height());
-    m_image2->setPixmap(
-        QPixmap::fromImage(picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)));
+    m_image2->setPixmap(QPixmap::fromImage(
+        picture.size() == size
+            ? picture
+            : picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)));
 }
 
 void frmDialogPg::Image2_DblClick()
