@@ -10,6 +10,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTimer>
+#include <QtTest/qtestspontaneevent.h>
 
 namespace {
 
@@ -406,8 +407,16 @@ private slots:
         QCOMPARE(asked, 2);
     }
 
+    void copyPointerWaitsForTheWindow_data()
+    {
+        QTest::addColumn<QString>("how");
+        QTest::newRow("Back to Previous") << "button";
+        QTest::newRow("Escape") << "escape";
+        QTest::newRow("close box") << "close";
+    }
     void copyPointerWaitsForTheWindow()
     {
+        QFETCH(QString, how);
         QWidget owner;
         owner.show();
         int helpCalls = 0;
@@ -424,8 +433,15 @@ private slots:
                      QStringLiteral("http://www.site.com/a.htm"));
             QTest::mouseClick(window->findChild<QPushButton *>(QStringLiteral("HelpButton")),
                               Qt::LeftButton);
-            QTest::mouseClick(window->findChild<QPushButton *>(QStringLiteral("CloseButton")),
-                              Qt::LeftButton);
+            // Help leaves the window up.
+            QVERIFY(window->isVisible());
+            if (how == QStringLiteral("button"))
+                QTest::mouseClick(window->findChild<QPushButton *>(QStringLiteral("CloseButton")),
+                                  Qt::LeftButton);
+            else if (how == QStringLiteral("escape"))
+                QTest::keyClick(window, Qt::Key_Escape);
+            else
+                window->close();
         });
         QTimer failsafe;
         failsafe.setSingleShot(true);
@@ -441,6 +457,34 @@ private slots:
         QCOMPARE(helpCalls, 1);
         QCOMPARE(ui.clipboard->text(), QStringLiteral("http://www.site.com/a.htm"));
         QTRY_VERIFY(owner.findChild<frmAction *>() == nullptr);
+        SetTakeActionHandler({});
+    }
+
+    void minimisingTheOwnerDoesNotEndTheWait()
+    {
+        QWidget owner;
+        owner.show();
+        frmAction::Install(&owner);
+        ScriptedUi ui;
+        JobState state;
+        bool stillThere = false;
+        QTimer::singleShot(50, this, [&] {
+            auto *window = owner.findChild<frmAction *>();
+            QVERIFY(window != nullptr);
+            // The hide event the system sends when the main window is minimised.
+            QHideEvent spontaneous;
+            QSpontaneKeyEvent::setSpontaneous(&spontaneous);
+            QApplication::instance()->notify(window, &spontaneous);
+            QTimer::singleShot(50, this, [&] {
+                stillThere = owner.findChild<frmAction *>() != nullptr;
+                if (auto *window = owner.findChild<frmAction *>())
+                    window->hide();
+            });
+        });
+        CopyPointer(ui, state, QStringLiteral("www.site.com/a.htm"), QString(),
+                    QStringLiteral("_"));
+        QVERIFY(stillThere);
+        SetTakeActionHandler({});
     }
 };
 

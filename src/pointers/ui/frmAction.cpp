@@ -5,9 +5,9 @@
 #include "JobUi.h"
 
 #include <QEventLoop>
-#include <QFont>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QHideEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -218,7 +218,9 @@ QString frmAction::MailtoText(const QString &subject, const QString &body, const
 void frmAction::hideEvent(QHideEvent *event)
 {
     QDialog::hideEvent(event);
-    emit hidden();
+    // Minimising the main window hides this one too, for the system: that isn't a close.
+    if (!event->spontaneous())
+        emit hidden();
 }
 
 void frmAction::CopyPointerToClipButton_Click()
