@@ -22,7 +22,8 @@ public:
     enum Tab
     {
         SelectImagesTab = 0,
-        SettingsTab = 1
+        UpdatePhotoPageTab = 1,
+        SettingsTab = 2
     };
 
     // ui and state must outlive the frame. The services start empty but for ui and state:

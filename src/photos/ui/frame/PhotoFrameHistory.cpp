@@ -45,14 +45,31 @@ PhotoFrameHistory::PhotoFrameHistory(PhotoPage &page, PhotoFrameServices &servic
     m_deleteHst->setObjectName(QStringLiteral("DeleteHstButton"));
     connect(m_deleteHst, &QPushButton::clicked, this, &PhotoFrameHistory::DeleteHstButton_Click);
 
+    m_file4->setStyleSheet(QStringLiteral("QListWidget::item { padding: 3px 4px; }"));
+    m_file4->setMinimumWidth(320);
+    m_file4->setMaximumWidth(560);
+    for (QPushButton *button : {m_showHst, m_deleteHst}) {
+        button->setMinimumHeight(32);
+        button->setMinimumWidth(button->sizeHint().width() + 24);
+    }
+    auto *hint = new QLabel(QStringLiteral("Each page saved or sent is kept here as a History "
+                                           "file. Choose one to see what it holds."),
+                            frame);
+    hint->setWordWrap(true);
+    hint->setMaximumWidth(320);
+
     auto *buttons = new QVBoxLayout;
+    buttons->addWidget(hint);
+    buttons->addSpacing(8);
     buttons->addWidget(m_showHst);
     buttons->addWidget(m_deleteHst);
     buttons->addStretch(1);
 
     auto *listRow = new QHBoxLayout;
+    listRow->setSpacing(14);
     listRow->addWidget(m_file4, 1);
     listRow->addLayout(buttons);
+    listRow->addStretch(1);
 
     auto *pointerCaption = new QLabel(QStringLiteral("Web Page Pointer"), frame);
     m_pagePointer = new QLabel(frame);

@@ -36,6 +36,7 @@ QListWidget *makeFileList(const QString &name, QWidget *parent)
     list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     list->setUniformItemSizes(true);
     list->setAlternatingRowColors(true);
+    list->setStyleSheet(QStringLiteral("QListWidget::item { padding: 3px 4px; }"));
     return list;
 }
 
@@ -85,8 +86,8 @@ void ReadyToSendPage::buildWidgets()
         new QCheckBox(QStringLiteral("Make the image default description blank"), this);
     m_skipImageInfo->setObjectName(QStringLiteral("Skip_image_info"));
 
-    auto *options = new QVBoxLayout;
-    options->setSpacing(2);
+    auto *options = new QHBoxLayout;
+    options->setSpacing(18);
     options->addWidget(m_titlePrompt);
     options->addWidget(m_filePrompt);
     options->addWidget(m_skipImageInfo);
@@ -179,7 +180,8 @@ QWidget *ReadyToSendPage::buildCopyColumn()
     m_currentImage->setMinimumSize(200, 150);
     m_currentImage->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     m_currentImage->setFrameShape(QFrame::StyledPanel);
-    m_currentImage->setStyleSheet(QStringLiteral("#CurrentImage { background: palette(base); }"));
+    m_currentImage->setStyleSheet(
+        QStringLiteral("#CurrentImage { background: #3c3f41; border-radius: 4px; }"));
     m_currentImage->installEventFilter(this);
     auto *zoomHint = new QLabel(QStringLiteral("(Double-Click to Zoom) "), column);
     zoomHint->setObjectName(QStringLiteral("Image6"));
