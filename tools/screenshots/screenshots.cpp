@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
 #include <QTest>
@@ -54,6 +55,13 @@ int main(int argc, char *argv[])
     window.FunctionSelectButton_Click(2);
     ok = shoot(QStringLiteral("send-a-file.png")) && ok;
     window.unloadInstructionForms();
+
+    window.showProgressFrame(true);
+    window.jobUi().SetStatusText(QStringLiteral("Sending Files"));
+    window.jobUi().SetStepOf(QStringLiteral("Currently loading section 3 of 9"));
+    window.ProgressBar1()->setValue(40);
+    ok = shoot(QStringLiteral("progress.png")) && ok;
+    window.showProgressFrame(false);
     window.ReturnToStartButton_Click();
 
     window.HelpButton_Click();

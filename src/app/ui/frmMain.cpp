@@ -190,10 +190,12 @@ QWidget *frmMain::buildProgressFrame()
     row->addWidget(m_cancelButton);
     cardLayout->addLayout(row);
 
+    card->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     auto *outer = new QVBoxLayout(m_progressFrame);
-    outer->addStretch();
-    outer->addWidget(card, 0, Qt::AlignHCenter);
+    outer->setContentsMargins(24, 24, 24, 24);
     outer->addStretch(2);
+    outer->addWidget(card, 0, Qt::AlignHCenter);
+    outer->addStretch(3);
     m_progressFrame->hide();
     return m_progressFrame;
 }
