@@ -208,6 +208,22 @@ private slots:
         }
     }
 
+    void arrowKeysMoveThePreview()
+    {
+        frmDialogPg form(true, m_pictures.path());
+        form.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&form));
+        click(form, "ViewContentButton");
+        clickFile(form, QStringLiteral("tall.JPG"));
+        auto *image5 = child<QLabel>(form, "Image5");
+        QCOMPARE(image5->size(), QSize(100, 400));
+        QTest::keyClick(child<QListView>(form, "File1"), Qt::Key_Down); // turned.jpg
+        QCOMPARE(image5->size(), QSize(100, 400));
+        QTest::keyClick(child<QListView>(form, "File1"), Qt::Key_Down); // wide.jpg
+        QCOMPARE(image5->size(), QSize(560, 140));
+        QCOMPARE(child<QLabel>(form, "Image2")->width(), child<QFrame>(form, "Frame7")->width());
+    }
+
     void previewOfNoPictureIsEmpty()
     {
         frmDialogPg form(true, m_pictures.path());
