@@ -262,10 +262,20 @@ void frmDialogPg::Dir1_Change(const QString &path)
 void frmDialogPg::PathText_LostFocus()
 {
     const QString text = m_pathText->text().trimmed();
-    if (cleanFolder(text) == m_dir->path() && m_files->path() == m_dir->path())
+    // "~" is the home folder, and a relative path goes from the open folder, as in a shell.
+    QString folder = text;
+    if (folder == QStringLiteral("~") || folder.startsWith(QStringLiteral("~/")))
+        folder = QDir::homePath() + folder.mid(1);
+    else if (!folder.isEmpty() && QDir::isRelativePath(folder))
+        folder = QDir(m_dir->path()).filePath(folder);
+    if (cleanFolder(folder) == m_dir->path() && m_files->path() == m_dir->path()) {
+        m_pathText->setText(m_dir->path());
         return;
-    if (!openFolder(text))
+    }
+    if (!m_dir->setPath(folder)) {
+        showMessage(QStringLiteral("Path not found - ") + text);
         return;
+    }
     // The same folder typed again still points both lists at it.
     m_files->setPath(m_dir->path());
     m_pathText->setText(m_dir->path());

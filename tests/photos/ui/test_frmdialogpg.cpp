@@ -331,6 +331,35 @@ private slots:
         QVERIFY(form.isVisible());
     }
 
+    void typedShortForms_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("folder"); // under the pictures' folder; "~" for home
+        QTest::newRow("relative") << "Trip"
+                                  << "Trip";
+        QTest::newRow("relative up") << "Trip/../another"
+                                     << "another";
+        QTest::newRow("home") << "~"
+                              << "~";
+        QTest::newRow("trailing slash") << "Trip/"
+                                        << "Trip";
+    }
+    void typedShortForms()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, folder);
+        const QString expected =
+            folder == QStringLiteral("~") ? QDir::homePath() : m_pictures.filePath(folder);
+        frmDialogPg form(true, m_pictures.path());
+        form.show();
+        auto *pathText = child<QLineEdit>(form, "PathText");
+        pathText->setText(typed);
+        emit pathText->editingFinished();
+        QCOMPARE(form.dirPath(), expected);
+        QCOMPARE(form.filePath(), expected);
+        QCOMPARE(pathText->text(), expected);
+    }
+
     void shortCuts()
     {
         const QString home = QDir::homePath();
