@@ -1,0 +1,509 @@
+#include "BuildFixture.h"
+#include "History.h"
+#include "JobState.h"
+#include "RecordFile.h"
+#include "ScriptedUi.h"
+#include "TestMain.h"
+#include "TransferUi.h"
+
+#include <QMimeData>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+using namespace BuildFixture;
+
+// Build All against a real FTP server: twelve pictures from a folder to a page on the web space.
+class TestPhotoBuild : public QObject
+{
+    Q_OBJECT
+
+private:
+    // One run's world: a server, a source folder of twelve photos, the working folder with the
+    // Ready to Send list, the record and the seams.
+    struct World
+    {
+        explicit World(const FtpTestServer::Options &serverOptions = {}) : server(serverOptions) {}
+        FtpTestServer server;
+        QTemporaryDir source;
+        QTemporaryDir working;
+        cFTP ftp;
+        ScriptedUi ui;
+        JobState state;
+        SilentTransferUi progress;
+        std::unique_ptr<BuildTestWindow> window;
+        std::unique_ptr<TransferContext> context;
+
+        QString workingPath() const { return working.path(); }
+        QString remote(const QString &path) const { return server.localPath(path); }
+        PhotoBuildOutcome run()
+        {
+            PhotoBuildJob job(PhotoPage::instance(), *context, *window);
+            const PhotoBuildOutcome outcome = job.cmdBuildAll();
+            lastPageName = job.PageName;
+            lastImageRoot = job.ImageRoot;
+            return outcome;
+        }
+        QString lastPageName;
+        QString lastImageRoot;
+    };
+
+    // The twelve photos: two in group 00050, one in group 00000, one turned left.
+    static QList<Photo> twelve()
+    {
+        return {{QStringLiteral("Harbour.jpg"), QStringLiteral("00010")},
+                {QStringLiteral("Bridge.jpg"), QStringLiteral("00020")},
+                {QStringLiteral("Museum.jpg"), QStringLiteral("00030")},
+                {QStringLiteral("Park.jpg"), QStringLiteral("00040")},
+                {QStringLiteral("Zoo.jpg"), QStringLiteral("00050")},
+                {QStringLiteral("Aquarium.jpg"), QStringLiteral("00050")},
+                {QStringLiteral("Skyline.jpg"), QStringLiteral("00060")},
+                {QStringLiteral("Tree_Left.jpg"), QStringLiteral("00070"), QStringLiteral("_Left")},
+                {QStringLiteral("Ferry.jpg"), QStringLiteral("00080")},
+                {QStringLiteral("Market.jpg"), QStringLiteral("00090")},
+                {QStringLiteral("Spare.jpg"), QStringLiteral("00000")},
+                {QStringLiteral("Station.jpg"), QStringLiteral("00100")}};
+    }
+    // The page's expected order: by group, by name inside a group; group 0 left out.
+    static QStringList expectedOrder()
+    {
+        return {QStringLiteral("Sml_00010_Harbour.jpg"),  QStringLiteral("Sml_00020_Bridge.jpg"),
+                QStringLiteral("Sml_00030_Museum.jpg"),   QStringLiteral("Sml_00040_Park.jpg"),
+                QStringLiteral("Sml_00050_Aquarium.jpg"), QStringLiteral("Sml_00050_Zoo.jpg"),
+                QStringLiteral("Sml_00060_Skyline.jpg"),  QStringLiteral("Sml_00070_Tree_Left.jpg"),
+                QStringLiteral("Sml_00080_Ferry.jpg"),    QStringLiteral("Sml_00090_Market.jpg"),
+                QStringLiteral("Sml_00100_Station.jpg")};
+    }
+
+    std::unique_ptr<World> makeWorld(const FtpTestServer::Options &options = {}, bool start = true)
+    {
+        auto world = std::make_unique<World>(options);
+        if (start && !world->server.start())
+            qWarning("%s", qPrintable(world->server.errorString()));
+        world->ftp.setJobState(&world->state);
+        world->window =
+            std::make_unique<BuildTestWindow>(world->ftp, world->server, world->workingPath());
+        world->context = std::make_unique<TransferContext>(
+            TransferContext{world->ftp, world->ui, world->state, *world->window, world->progress});
+        const QList<Photo> photos = twelve();
+        const QColor colours[] = {Qt::red,      Qt::green,    Qt::blue,        Qt::cyan,
+                                  Qt::magenta,  Qt::yellow,   Qt::darkRed,     Qt::darkGreen,
+                                  Qt::darkBlue, Qt::darkCyan, Qt::darkMagenta, Qt::gray};
+        for (int i = 0; i < photos.size(); ++i) {
+            const QString name = photos.at(i).name;
+            const bool turned = name.contains(QLatin1String("_Left"));
+            makePhoto(world->source.filePath(name), colours[i], turned ? 240 : 320,
+                      turned ? 320 : 240);
+        }
+        ClearHistory(PhotoPage::instance());
+        putOnList(PhotoPage::instance(), world->source.path(), world->workingPath(), photos);
+        return world;
+    }
+
+    static QStringList remoteFiles(const World &world, const QString &folder)
+    {
+        return QDir(world.remote(folder)).entryList(QDir::Files, QDir::Name);
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(installTemplates());
+        QVERIFY2(!FtpTestServer::pythonProgram().isEmpty(), "python3-pyftpdlib is needed");
+    }
+
+    void init() { ClearHistory(PhotoPage::instance()); }
+
+    void cleanName_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("cleaned");
+        QTest::newRow("plain") << "Trip to NY May 2007"
+                               << "Trip to NY May 2007";
+        QTest::newRow("dots go") << "St. Ives. 2007"
+                                 << "St Ives 2007";
+        QTest::newRow("extension stays") << "a.b.jpg"
+                                         << "ab.jpg";
+        QTest::newRow("dots behind the extension stay") << "x.y.htm.z"
+                                                        << "xy.htm.z";
+        QTest::newRow("marks") << "A&B+C'D%E#F@G~H;I:J^K"
+                               << "ABCDEFGHIJK";
+        QTest::newRow("brackets") << "<a>{b}[c]"
+                                  << "abc";
+        QTest::newRow("slashes") << "a/b\\c?d*e|f\"g"
+                                 << "abcdefg";
+        QTest::newRow("only bad characters") << "...??**"
+                                             << "";
+    }
+    void cleanName()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, cleaned);
+        QCOMPARE(CleanName(name), cleaned);
+    }
+
+    void defaultNameHasTheDigitsOfNow()
+    {
+        const QString name = DefaultPageName();
+        QVERIFY(QRegularExpression(QStringLiteral("^Photo\\d{10}$")).match(name).hasMatch());
+    }
+
+    void twelvePhotosGoUpAsOnePage()
+    {
+        auto world = makeWorld();
+        QVERIFY(world->server.isRunning());
+        world->ui.answerPrompt(QStringLiteral("Trip to NY May 2007"));
+
+        QCOMPARE(world->run(), PhotoBuildOutcome::Sent);
+        QCOMPARE(world->lastPageName, QStringLiteral("Trip_to_NY_May_2007"));
+        for (const auto &shown : world->ui.messages)
+            qWarning("message: %s", qPrintable(shown.text));
+        QVERIFY(world->ui.messages.isEmpty());
+
+        // The server holds the page and every copy it links to.
+        const QString folder = QStringLiteral("/Photos/Trip_to_NY_May_2007");
+        const QString page = world->remote(folder + QStringLiteral("/Photos.htm"));
+        QVERIFY(QFileInfo(page).isFile());
+        QCOMPARE(thumbnailsOf(page), expectedOrder());
+        const QStringList onServer = remoteFiles(*world, folder);
+        for (const QString &link : linksOf(page))
+            QVERIFY2(onServer.contains(link), qPrintable(link));
+        // Group 0 is sent, though the page doesn't show it.
+        QVERIFY(onServer.contains(QStringLiteral("Sml_00000_Spare.jpg")));
+        QVERIFY(onServer.contains(QStringLiteral("Lrg_00000_Spare.jpg")));
+        QCOMPARE(onServer.size(), 2 * 12 + 1);
+        // Copies are pictures at the chosen sizes; the turned one is upright.
+        QCOMPARE(QImage(world->remote(folder + QStringLiteral("/Lrg_00010_Harbour.jpg"))).size(),
+                 QSize(96, 72));
+        QCOMPARE(QImage(world->remote(folder + QStringLiteral("/Sml_00010_Harbour.jpg"))).size(),
+                 QSize(48, 36));
+        QCOMPARE(QImage(world->remote(folder + QStringLiteral("/Lrg_00070_Tree_Left.jpg"))).size(),
+                 QSize(72, 96));
+
+        // The page's text: the default title and, without the prompt, the prompt's own wording.
+        QFile pageFile(page);
+        QVERIFY(pageFile.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(pageFile.readAll());
+        QVERIFY(text.contains(QStringLiteral("Enter an introduction to the photo group...")));
+        QVERIFY(text.contains(QStringLiteral("Caption of Aquarium.jpg")));
+
+        // The pointer is on the clipboard and on the History tab.
+        QVERIFY(world->ui.clipboard);
+        QCOMPARE(world->ui.clipboard->text(),
+                 QStringLiteral("http://www.example.com/Photos/Trip_to_NY_May_2007/Photos.htm"));
+        QCOMPARE(world->window->pagePointer,
+                 QStringLiteral("www.example.com/Photos/Trip_to_NY_May_2007/Photos.htm"));
+
+        // The working copies and the made copies are gone; the source pictures stay.
+        QVERIFY(ListPictureFiles(world->workingPath()).isEmpty());
+        QVERIFY(ListPictureFiles(world->lastImageRoot).isEmpty());
+        QCOMPARE(ListPictureFiles(world->source.path()).size(), 12);
+
+        // The History file holds the page.
+        PhotoPage read;
+        read.FileName = QStringLiteral("Trip_to_NY_May_2007.hst");
+        QVERIFY(ReadHistory(read).ok);
+        QCOMPARE(read.PhotoNumber, qint16(12));
+        QCOMPARE(read.Title, QStringLiteral("Photos"));
+        QCOMPARE(read.PhotoName[7], QStringLiteral("Tree_Left.jpg"));
+        QCOMPARE(read.PhotoRotate[7], QStringLiteral("_Left"));
+
+        // The status texts come in the order of a run, and the counter starts at 1 of 26.
+        const QStringList order = {
+            QStringLiteral("Collecting Files and Information"),
+            QStringLiteral("Prompt for Photo Information is Requested"),
+            QStringLiteral("Sizing Photos"),
+            QStringLiteral("Saving Information"),
+            QStringLiteral("Building Locally"),
+            QStringLiteral("Connecting"),
+            QStringLiteral("Verifing Path"),
+            QStringLiteral("Creating a directory"),
+            QStringLiteral("Sending Files"),
+            QStringLiteral("Start Upload"),
+            QStringLiteral("Uploading the large copy of file: 00000_Spare.jpg"),
+            QStringLiteral("Uploading the thumbnail copy of file: 00000_Spare.jpg"),
+            QStringLiteral("Uploading the webpage file: Trip_to_NY_May_2007"),
+            QStringLiteral("Upload complete!"),
+            QStringLiteral("Disconnecting")};
+        qsizetype at = 0;
+        for (const QString &status : order) {
+            at = world->ui.statusTexts.indexOf(status, at);
+            QVERIFY2(at >= 0, qPrintable(status));
+        }
+        QVERIFY(world->ui.stepTexts.contains(QStringLiteral("Currently loading section 1 of 26")));
+        QVERIFY(world->ui.stepTexts.contains(QStringLiteral("Currently loading section 26 of 26")));
+        QVERIFY(world->window->caption.startsWith(QStringLiteral("Connected to 127.0.0.1:")));
+        QVERIFY(world->window->shapeEvents.contains(0));
+        QCOMPARE(world->window->cleanups, 1);
+    }
+
+    void theTitlePromptAsksForTitleAndIntroduction()
+    {
+        auto world = makeWorld();
+        world->window->title_prompt = true;
+        world->window->RunWithoutMenu = true;
+        PhotoPage::instance().Title = QStringLiteral("Old title");
+        world->ui.answerPrompt(QStringLiteral("Beach"));
+        world->ui.answerPrompt(QString()); // an empty title
+        world->ui.answerPrompt(QStringLiteral("We went to the sea."));
+
+        QCOMPARE(world->run(), PhotoBuildOutcome::BuiltLocally);
+        QCOMPARE(world->ui.prompts.size(), 3);
+        QCOMPARE(world->ui.prompts.at(0).text,
+                 QStringLiteral("Enter the name of the webpage (no extention, example: 'Trip to "
+                                "NY May 2007')..."));
+        QCOMPARE(world->ui.prompts.at(1).text, QStringLiteral("Enter a title..."));
+        QCOMPARE(world->ui.prompts.at(1).defaultText, QStringLiteral("Old title"));
+        QCOMPARE(world->ui.prompts.at(2).defaultText,
+                 QStringLiteral("Below are some photos from us......."));
+        QCOMPARE(PhotoPage::instance().Title, QString());
+        QCOMPARE(PhotoPage::instance().GroupInfo, QStringLiteral("We went to the sea."));
+
+        // Run Without Connections: the page is built, nothing goes out, the working files stay.
+        QVERIFY(QFileInfo(world->lastImageRoot + QStringLiteral("/Beach/Photos.htm")).isFile());
+        QCOMPARE(ListPictureFiles(world->workingPath()).size(), 12);
+        QVERIFY(!world->ui.clipboard);
+        QVERIFY(world->server.commands().isEmpty());
+    }
+
+    void thePhotoPromptStoresTextAndSide()
+    {
+        auto world = makeWorld();
+        world->window->file_prompt = true;
+        world->window->RunWithoutMenu = true;
+        world->ui.answerPrompt(QStringLiteral("Sides"));
+        const QStringList rows = ListPictureFiles(world->workingPath());
+        for (int i = 0; i < rows.size(); ++i) {
+            if (i == 1)
+                world->ui.answerPrompt(QString(), QStringLiteral("True")); // OK on an empty text
+            else
+                world->ui.answerPrompt(QStringLiteral("Text %1").arg(i),
+                                       i % 3 == 0 ? QStringLiteral("True")
+                                                  : QStringLiteral("False"));
+        }
+        QCOMPARE(world->run(), PhotoBuildOutcome::BuiltLocally);
+        QCOMPARE(world->ui.prompts.at(1).text,
+                 QStringLiteral("(1 of 12) Enter text associated with the image, then select "
+                                "Display Left or Display Right"));
+        const PhotoPage &page = PhotoPage::instance();
+        const int first =
+            FindPhoto(page, RemoveGroupNumber(rows.at(0)), GetGroupNumber(rows.at(0)));
+        QCOMPARE(page.PhotoInfo[first], QStringLiteral("Text 0"));
+        QCOMPARE(page.PhotoLeft[first], QStringLiteral("True"));
+        const int second =
+            FindPhoto(page, RemoveGroupNumber(rows.at(1)), GetGroupNumber(rows.at(1)));
+        QCOMPARE(page.PhotoInfo[second], QStringLiteral("   "));
+        const int third =
+            FindPhoto(page, RemoveGroupNumber(rows.at(2)), GetGroupNumber(rows.at(2)));
+        QCOMPARE(page.PhotoLeft[third], QStringLiteral("False"));
+
+        // A picture on the left is written with the left template.
+        QFile built(world->lastImageRoot + QStringLiteral("/Sides/Photos.htm"));
+        QVERIFY(built.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(built.readAll());
+        QVERIFY(text.contains(QStringLiteral("photo left")));
+        QVERIFY(text.contains(QStringLiteral("Text 0")));
+    }
+
+    void leavingAPhotoPromptEndsInSilence()
+    {
+        auto world = makeWorld();
+        world->window->file_prompt = true;
+        world->ui.answerPrompt(QStringLiteral("Left half way"));
+        world->ui.answerPrompt(QStringLiteral("first"), QStringLiteral("True"));
+        world->ui.answerPrompt(JobState::Skip);
+        QCOMPARE(world->run(), PhotoBuildOutcome::Skipped);
+        QVERIFY(world->ui.messages.isEmpty());
+        QCOMPARE(ListPictureFiles(world->workingPath()).size(), 12);
+        QVERIFY(ListPictureFiles(world->workingPath() + QStringLiteral("/images")).isEmpty());
+        QVERIFY(world->server.commands().isEmpty());
+        QCOMPARE(world->window->cleanups, 0);
+    }
+
+    void leavingTheNamePromptEndsInSilence()
+    {
+        auto world = makeWorld();
+        PhotoPage::instance().FileName = QStringLiteral("Kept");
+        // No answer scripted: the prompt is left.
+        QCOMPARE(world->run(), PhotoBuildOutcome::Skipped);
+        QVERIFY(world->ui.messages.isEmpty());
+        QCOMPARE(world->ui.prompts.at(0).defaultText, QStringLiteral("Kept"));
+        // The History as saved before the prompts; no made copies.
+        QVERIFY(QFileInfo(Folders::HistoryFolder() + QStringLiteral("/Kept.hst")).isFile());
+        QVERIFY(ListPictureFiles(world->workingPath() + QStringLiteral("/images")).isEmpty());
+        QCOMPARE(ListPictureFiles(world->workingPath()).size(), 12);
+    }
+
+    void anEmptyListIsRefused()
+    {
+        auto world = makeWorld();
+        for (const QString &row : ListPictureFiles(world->workingPath()))
+            QFile::remove(world->workingPath() + QLatin1Char('/') + row);
+        QCOMPARE(world->run(), PhotoBuildOutcome::NoImages);
+        QCOMPARE(world->ui.messages.size(), 1);
+        QCOMPARE(world->ui.messages.at(0).text,
+                 QStringLiteral("Images need to be selected before an upload can start."));
+        QVERIFY(world->ui.prompts.isEmpty());
+    }
+
+    void aNameOfOnlyBadCharactersGetsTheMadeUpName()
+    {
+        auto world = makeWorld();
+        world->ui.answerPrompt(QStringLiteral("..//??**"));
+        QCOMPARE(world->run(), PhotoBuildOutcome::Sent);
+        QVERIFY(world->lastPageName.startsWith(QStringLiteral("Photo")));
+        QCOMPARE(world->ui.messages.size(), 1);
+        QVERIFY(world->ui.messages.at(0).text.contains(world->lastPageName));
+        QVERIFY(QFileInfo(world->remote(QStringLiteral("/Photos/") + world->lastPageName +
+                                        QStringLiteral("/Photos.htm")))
+                    .isFile());
+    }
+
+    void aFileNamedPhotosTakesTheFailureBranch()
+    {
+        auto world = makeWorld();
+        QFile blocker(world->remote(QStringLiteral("/Photos")));
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        blocker.write("not a folder");
+        blocker.close();
+        world->ui.answerPrompt(QStringLiteral("Blocked"));
+
+        QCOMPARE(world->run(), PhotoBuildOutcome::Failed);
+        QCOMPARE(world->ui.messages.size(), 1);
+        QVERIFY(world->ui.messages.at(0).text.startsWith(
+            QStringLiteral("failed to connect, retry. (")));
+        QVERIFY(world->ui.messages.at(0).text.endsWith(QLatin1Char(')')));
+        // Everything local stays for a second click.
+        QCOMPARE(ListPictureFiles(world->workingPath()).size(), 12);
+        QCOMPARE(ListPictureFiles(world->lastImageRoot).size(), 24);
+        QVERIFY(QFileInfo(world->lastImageRoot + QStringLiteral("/Blocked/Photos.htm")).isFile());
+        QVERIFY(!world->ftp.IsConnected());
+        QVERIFY(world->ui.clipboard && world->ui.clipboard->formats().isEmpty());
+    }
+
+    void aRefusedLoginTakesTheFailureBranch()
+    {
+        FtpTestServer::Options options;
+        options.faults = {QStringLiteral("refuse-login")};
+        auto world = makeWorld(options);
+        world->ui.answerPrompt(QStringLiteral("Refused"));
+        QCOMPARE(world->run(), PhotoBuildOutcome::Failed);
+        QCOMPARE(world->ui.messages.size(), 1);
+        QVERIFY(world->ui.messages.at(0).text.startsWith(
+            QStringLiteral("failed to connect, retry. (")));
+        QCOMPARE(ListPictureFiles(world->workingPath()).size(), 12);
+    }
+
+    void aDroppedConnectionIsTakenUpAgain()
+    {
+        auto world = makeWorld();
+        world->ui.answerPrompt(QStringLiteral("Dropped"));
+        const QStringList rows = ListPictureFiles(world->workingPath());
+        bool restarted = false;
+        World *w = world.get();
+        // After the fifth photo the server goes away and comes back on another port.
+        world->ui.onProcessEvents = [&] {
+            if (restarted || w->ui.statusTexts.isEmpty() ||
+                w->ui.statusTexts.last() !=
+                    QStringLiteral("Uploading the large copy of file: ") + rows.at(5))
+                return;
+            restarted = true;
+            QVERIFY(w->server.start());
+            w->window->account_.server = w->server.server();
+        };
+        QCOMPARE(world->run(), PhotoBuildOutcome::Sent);
+        QVERIFY(restarted);
+        QVERIFY(world->ui.messages.isEmpty());
+        const QString folder = QStringLiteral("/Photos/Dropped");
+        const QString page = world->remote(folder + QStringLiteral("/Photos.htm"));
+        QCOMPARE(thumbnailsOf(page), expectedOrder());
+        QCOMPARE(remoteFiles(*world, folder).size(), 25);
+        QCOMPARE(world->ui.clipboard->text(),
+                 QStringLiteral("http://www.example.com/Photos/Dropped/Photos.htm"));
+    }
+
+    void aLostServerIsToldOnceAndTheRunEnds()
+    {
+        auto world = makeWorld();
+        world->ui.answerPrompt(QStringLiteral("Lost"));
+        const QStringList rows = ListPictureFiles(world->workingPath());
+        World *w = world.get();
+        world->ui.onProcessEvents = [&] {
+            if (w->server.isRunning() && !w->ui.statusTexts.isEmpty() &&
+                w->ui.statusTexts.last() ==
+                    QStringLiteral("Uploading the large copy of file: ") + rows.at(2))
+                w->server.stop();
+        };
+        world->run();
+        QVERIFY(!world->ui.messages.isEmpty());
+        QCOMPARE(world->ui.messages.at(0).text,
+                 QStringLiteral("There was a error with reconnecting to the server."));
+        // The working pictures stay for another try.
+        QCOMPARE(ListPictureFiles(world->workingPath()).size() > 0, true);
+    }
+
+    void cancelStopsInSilenceAndASecondRunFinishes()
+    {
+        auto world = makeWorld();
+        world->ui.answerPrompt(QStringLiteral("Cancelled"));
+        const QStringList rows = ListPictureFiles(world->workingPath());
+        World *w = world.get();
+        bool cancelled = false;
+        world->ui.onProcessEvents = [&] {
+            if (!cancelled && !w->ui.statusTexts.isEmpty() &&
+                w->ui.statusTexts.last() ==
+                    QStringLiteral("Uploading the large copy of file: ") + rows.at(6)) {
+                cancelled = true;
+                w->state.UploadCancelled = true; // the progress frame's Cancel
+            }
+        };
+        QCOMPARE(world->run(), PhotoBuildOutcome::Cancelled);
+        QVERIFY(world->ui.messages.isEmpty());
+        QVERIFY(!world->ui.clipboard || world->ui.clipboard->text().isEmpty());
+        QVERIFY(!world->ftp.IsConnected());
+        // Sent rows lost their made copies; the rest and all working pictures stay.
+        QCOMPARE(ListPictureFiles(world->workingPath()).size(), 12);
+        QCOMPARE(ListPictureFiles(world->lastImageRoot).size(), 2 * (12 - 6));
+        const QString folder = QStringLiteral("/Photos/Cancelled");
+        QCOMPARE(remoteFiles(*world, folder).size(), 12);
+        QVERIFY(!QFileInfo(world->remote(folder + QStringLiteral("/Photos.htm"))).exists());
+
+        // A second press finishes the page.
+        world->ui.onProcessEvents = nullptr;
+        world->ui.answerPrompt(QStringLiteral("Cancelled"));
+        QCOMPARE(world->run(), PhotoBuildOutcome::Sent);
+        QCOMPARE(remoteFiles(*world, folder).size(), 25);
+        QCOMPARE(thumbnailsOf(world->remote(folder + QStringLiteral("/Photos.htm"))),
+                 expectedOrder());
+        QVERIFY(ListPictureFiles(world->workingPath()).isEmpty());
+    }
+
+    void aClientRootThatIsAFileTakesTheFailureBranch()
+    {
+        auto world = makeWorld();
+        world->window->options_.ClientRoot = QStringLiteral("my site");
+        QFile blocker(world->remote(QStringLiteral("/my_site")));
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        blocker.close();
+        world->ui.answerPrompt(QStringLiteral("Client"));
+        QCOMPARE(world->run(), PhotoBuildOutcome::Failed);
+        QVERIFY(world->ui.messages.last().text.startsWith(
+            QStringLiteral("failed to connect, retry. (")));
+    }
+
+    void theClientRootHoldsThePhotos()
+    {
+        auto world = makeWorld();
+        world->window->options_.ClientRoot = QStringLiteral("ann site");
+        world->ui.answerPrompt(QStringLiteral("Client page"));
+        QCOMPARE(world->run(), PhotoBuildOutcome::Sent);
+        QVERIFY(QFileInfo(world->remote(QStringLiteral("/ann_site/Photos/Client_page/Photos.htm")))
+                    .isFile());
+        QCOMPARE(world->ui.clipboard->text(),
+                 QStringLiteral("http://www.example.com/ann_site/Photos/Client_page/Photos.htm"));
+    }
+};
+
+TARNWICK_TEST_MAIN(TestPhotoBuild)
+#include "test_photobuild.moc"
