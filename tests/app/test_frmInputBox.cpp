@@ -235,6 +235,19 @@ private slots:
         QCOMPARE(answer, QStringLiteral("Page"));
     }
 
+    void closeBoxAsksAsCancelDoes()
+    {
+        auto seen = std::make_shared<MessageSeen>();
+        const QString answer =
+            ask(QStringLiteral("Page"), QStringLiteral("Hide"), 0, [&seen](frmInputBox *box) {
+                seen = answerMessageBox(QMessageBox::Yes);
+                box->close();
+            });
+        QVERIFY(seen->seen);
+        QCOMPARE(seen->text, QStringLiteral("Are you sure you want to cancel?"));
+        QCOMPARE(answer, JobState::Skip);
+    }
+
     void enterKeyIsOk()
     {
         const QString answer = ask(QString(), QStringLiteral("Hide"), 0, [](frmInputBox *box) {

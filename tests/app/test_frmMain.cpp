@@ -24,6 +24,7 @@
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTabBar>
+#include <QTemporaryDir>
 #include <QTextBrowser>
 #include <QTimer>
 
@@ -267,6 +268,33 @@ private slots:
         QCOMPARE(InstructionForm::steps(4).size(), 7);
         QCOMPARE(InstructionForm::steps(5).size(), 5);
         QVERIFY(page->findChild<QPushButton *>(QStringLiteral("MoreHelpButton")));
+    }
+
+    void checkBoxWritesOnlyWhileThePageShows()
+    {
+        InstructionForm hidden(3, m_main.get(), {});
+        auto *check = hidden.findChild<QCheckBox *>(QStringLiteral("Check1"));
+        check->click();
+        QVERIFY(!HasSetting(QStringLiteral("BlogIntructionView")));
+        hidden.show();
+        check->click();
+        QCOMPARE(GetSetting(QStringLiteral("BlogIntructionView")), QStringLiteral("Show"));
+        check->click();
+        QCOMPARE(GetSetting(QStringLiteral("BlogIntructionView")), QStringLiteral("Hide"));
+    }
+
+    void missingHelpPageSaysSo()
+    {
+        QTemporaryDir empty;
+        Folders::SetProgramFolder(empty.path());
+        m_main->showHelpTopic(9);
+        Folders::SetProgramFolder(QStringLiteral(TARNWICK_STAGED_DATA_DIR));
+        const QString text = m_main->helpWindow()->browser()->toPlainText();
+        QVERIFY(text.contains(QStringLiteral("Help page not found")));
+        QVERIFY(text.contains(empty.path() + QStringLiteral("/help/9.html")));
+        m_main->showHelpTopic(9);
+        QVERIFY(
+            m_main->helpWindow()->browser()->toPlainText().contains(QStringLiteral("Send a File")));
     }
 
     void tabMenuAndTabStripOpenFunctions()
