@@ -30,6 +30,16 @@ bool swapsSides(const QImageReader &reader)
     return reader.transformation() & QImageIOHandler::TransformationRotate90;
 }
 
+// The reader's reason, made readable, with the file's name.
+QString readError(const QImageReader &reader, const QString &path)
+{
+    QString reason = reader.errorString();
+    if (reader.error() == QImageReader::UnknownError || reason.isEmpty() ||
+        reason == QLatin1String("Unknown error"))
+        reason = QStringLiteral("The file is damaged or is not a picture");
+    return reason + QStringLiteral(" (") + QFileInfo(path).fileName() + QLatin1Char(')');
+}
+
 QString tooLargeText(QSize size)
 {
     return QStringLiteral("The picture is too large to be sized (%1 x %2 pixels).")
@@ -94,7 +104,7 @@ QSize PictureSize(const QString &path, QString *error)
     QSize size = reader.size();
     if (!size.isValid()) {
         if (error)
-            *error = reader.errorString();
+            *error = readError(reader, path);
         return QSize();
     }
     return swapsSides(reader) ? size.transposed() : size;
@@ -111,7 +121,7 @@ PictureResult LoadPicture(const QString &path, QSize atLeast)
     reader.setAllocationLimit(int(PictureMemoryBudget / (1024 * 1024)));
     const QSize stored = reader.size();
     if (!stored.isValid())
-        return {QImage(), reader.errorString()};
+        return {QImage(), readError(reader, path)};
     const bool swap = swapsSides(reader);
     QSize decoded = stored;
     if (atLeast.isValid() && reader.supportsOption(QImageIOHandler::ScaledSize)) {
@@ -139,7 +149,7 @@ PictureResult LoadPicture(const QString &path, QSize atLeast)
         return {QImage(), tooLargeText(swap ? decoded.transposed() : decoded)};
     QImage image = reader.read();
     if (image.isNull())
-        return {QImage(), reader.errorString()};
+        return {QImage(), readError(reader, path)};
     return {image, QString()};
 }
 
