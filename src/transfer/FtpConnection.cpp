@@ -9,6 +9,7 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 namespace {
 
@@ -175,6 +176,8 @@ FtpConnection::Result FtpConnection::perform(const Request &request)
     curl_easy_setopt(e, CURLOPT_XFERINFODATA, this);
     curl_easy_setopt(e, CURLOPT_OPENSOCKETFUNCTION, &FtpConnection::openSocketCallback);
     curl_easy_setopt(e, CURLOPT_OPENSOCKETDATA, this);
+    curl_easy_setopt(e, CURLOPT_CLOSESOCKETFUNCTION, &FtpConnection::closeSocketCallback);
+    curl_easy_setopt(e, CURLOPT_CLOSESOCKETDATA, this);
     curl_easy_setopt(e, CURLOPT_BUFFERSIZE, TransferBufferBytes);
     curl_easy_setopt(e, CURLOPT_UPLOAD_BUFFERSIZE, TransferBufferBytes);
     if (onLibraryText) {
@@ -202,11 +205,9 @@ FtpConnection::Result FtpConnection::perform(const Request &request)
     }
 
     curl_multi_add_handle(m_multi, e);
-    QElapsedTimer sinceEvents;
-    sinceEvents.start();
+    m_sinceEvents.start();
+    m_sinceStart.start();
     QElapsedTimer sinceCancel;
-    QElapsedTimer sinceStart;
-    sinceStart.start();
     bool finished = false;
     while (!finished) {
         int running = 0;
@@ -224,16 +225,9 @@ FtpConnection::Result FtpConnection::perform(const Request &request)
         if (finished || running == 0)
             break;
         curl_multi_poll(m_multi, nullptr, 0, PollMs, nullptr);
-        if (request.serveEvents && sinceEvents.elapsed() >= EventPeriodMs &&
-            QCoreApplication::instance()) {
-            QCoreApplication::processEvents();
-            sinceEvents.restart();
-        }
-        if (!m_abort && ((cancelRequested && cancelRequested()) ||
-                         (request.maxWaitMs > 0 && sinceStart.elapsed() > request.maxWaitMs))) {
-            m_abort = true;
+        serveEvents();
+        if (checkCancel() && !sinceCancel.isValid())
             sinceCancel.start();
-        }
         if (m_abort && sinceCancel.elapsed() > CancelGraceMs) {
             // The library did not come back to the progress callback (a stalled connect or
             // a reply that never comes): taking the handle away closes its connection.
@@ -247,8 +241,12 @@ FtpConnection::Result FtpConnection::perform(const Request &request)
     result.cancelled = m_abort;
     if (m_abort && result.code == CURLE_OK)
         result.code = CURLE_ABORTED_BY_CALLBACK;
-    // A request that failed may have lost its connection; the next one makes a new one.
+    // A request that failed may have left its connection in any state (a server that stopped
+    // answering, a reply still owed): it is shut down, so that neither a later request nor the
+    // closing QUIT waits on it, and the next request makes a new one.
     m_alive = result.ok();
+    if (!m_alive)
+        shutDownSockets();
     m_request = nullptr;
     m_busy = false;
     return result;
@@ -269,6 +267,8 @@ void FtpConnection::close(bool serveEvents)
         cancelRequested = keep;
         m_alive = false;
     }
+    if (!m_alive)
+        shutDownSockets();
     if (m_multi)
         curl_multi_cleanup(m_multi);
     m_multi = nullptr;
@@ -331,15 +331,36 @@ size_t FtpConnection::writeCallback(char *data, size_t size, size_t count, void 
     return connection->m_request->write(data, size * count) ? size * count : 0;
 }
 
+bool FtpConnection::checkCancel()
+{
+    if (!m_abort && m_request &&
+        ((cancelRequested && cancelRequested()) ||
+         (m_request->maxWaitMs > 0 && m_sinceStart.elapsed() > m_request->maxWaitMs)))
+        m_abort = true;
+    return m_abort;
+}
+
+void FtpConnection::serveEvents()
+{
+    if (m_request && m_request->serveEvents && m_sinceEvents.elapsed() >= EventPeriodMs &&
+        QCoreApplication::instance()) {
+        QCoreApplication::processEvents();
+        m_sinceEvents.restart();
+    }
+}
+
 int FtpConnection::progressCallback(void *self, curl_off_t, curl_off_t dlnow, curl_off_t,
                                     curl_off_t ulnow)
 {
     auto *connection = static_cast<FtpConnection *>(self);
-    if (connection->m_abort)
+    if (connection->checkCancel())
         return 1;
     if (connection->m_request && connection->m_request->progress)
         connection->m_request->progress(dlnow, ulnow);
-    return connection->m_abort ? 1 : 0;
+    // The library also calls here while it blocks for a reply (about once a second), so the
+    // window is served from here too.
+    connection->serveEvents();
+    return connection->checkCancel() ? 1 : 0;
 }
 
 int FtpConnection::debugCallback(CURL *, curl_infotype type, char *data, size_t size, void *self)
@@ -369,5 +390,21 @@ curl_socket_t FtpConnection::openSocketCallback(void *self, curlsocktype purpose
         connection->onOpenSocket(QString::fromLatin1(text) + QLatin1Char(':') +
                                  QString::number(port));
     }
-    return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+    const curl_socket_t fd =
+        socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+    if (fd != CURL_SOCKET_BAD)
+        connection->m_sockets.insert(fd);
+    return fd;
+}
+
+int FtpConnection::closeSocketCallback(void *self, curl_socket_t socket)
+{
+    static_cast<FtpConnection *>(self)->m_sockets.remove(socket);
+    return ::close(socket);
+}
+
+void FtpConnection::shutDownSockets()
+{
+    for (const curl_socket_t fd : std::as_const(m_sockets))
+        ::shutdown(fd, SHUT_RDWR);
 }

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QByteArray>
+#include <QElapsedTimer>
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -123,6 +125,9 @@ private:
     static int debugCallback(CURL *, curl_infotype type, char *data, size_t size, void *self);
     static curl_socket_t openSocketCallback(void *self, curlsocktype purpose,
                                             struct curl_sockaddr *address);
+    static int closeSocketCallback(void *self, curl_socket_t socket);
+    // Shuts the open sockets down, so that nothing waits on them any more.
+    void shutDownSockets();
     void addReplyLine(const QByteArray &line);
     void ensureHandles();
 
@@ -140,4 +145,12 @@ private:
     bool m_abort = false;
     bool m_busy = false;
     bool m_alive = false;
+    // Serving the event loop and watching for a cancel, from the request loop and from the
+    // progress callback (which the library also calls while it blocks for a reply).
+    bool checkCancel();
+    void serveEvents();
+    QElapsedTimer m_sinceEvents;
+    QElapsedTimer m_sinceStart;
+    // The sockets the library opened through us and has not closed yet.
+    QSet<curl_socket_t> m_sockets;
 };

@@ -1,0 +1,596 @@
+#include "DialogTransferUi.h"
+#include "JobState.h"
+#include "ScriptedUi.h"
+#include "Settings.h"
+#include "TestMain.h"
+#include "TransferEngine.h"
+#include "TransferTestSupport.h"
+#include "dlgFTP.h"
+#include "frmErrUpload.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+
+namespace {
+
+int openFileDescriptors()
+{
+    return int(QDir(QStringLiteral("/proc/self/fd"))
+                   .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
+                   .size());
+}
+
+qint64 residentKilobytes()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &line : status.readAll().split('\n')) {
+        if (line.startsWith("VmRSS:"))
+            return line.mid(6).trimmed().split(' ').first().toLongLong();
+    }
+    return -1;
+}
+
+template <typename T> T *visibleTopLevel()
+{
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (auto *found = qobject_cast<T *>(widget); found && found->isVisible())
+            return found;
+    }
+    return nullptr;
+}
+
+// Presses dlgFTP's Cancel and answers Yes to its question.
+void pressCancelAndConfirm()
+{
+    dlgFTP *dialog = visibleTopLevel<dlgFTP>();
+    if (!dialog)
+        return;
+    QTimer::singleShot(20, [] {
+        if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+            QCOMPARE(box->windowTitle(), QStringLiteral("Need to know..."));
+            QCOMPARE(box->text(), QStringLiteral("Are you sure you want to cancel the upload?"));
+            box->button(QMessageBox::Yes)->click();
+        }
+    });
+    dialog->findChild<QPushButton *>(QStringLiteral("Command1"))->click();
+}
+
+} // namespace
+
+class TestUploadSteps : public QObject
+{
+    Q_OBJECT
+private:
+    QTemporaryDir m_local;
+
+    struct Job
+    {
+        cFTP ftp;
+        ScriptedUi ui;
+        TestTransferWindow window;
+        DialogTransferUi progress;
+        TransferContext context;
+        explicit Job(const FtpTestServer &server, int errorCloseMs = 30)
+            : window(ftp, server),
+              progress(JobState::instance()), context{ftp, ui, JobState::instance(), window,
+                                                      progress}
+        {
+            progress.setErrorAutoCloseMs(errorCloseMs);
+        }
+        bool connect(const FtpTestServer &server)
+        {
+            return ftp.OpenConnection(server.server(), server.user(), server.password());
+        }
+    };
+
+    QString localFile(const QString &name, const QByteArray &content)
+    {
+        const QString path = m_local.filePath(name);
+        WriteTestFile(path, content);
+        return path;
+    }
+
+    static int errorFormsSeen(QTimer &poll, int &count)
+    {
+        QObject::connect(&poll, &QTimer::timeout, [&count] {
+            static QPointer<frmErrUpload> last;
+            frmErrUpload *form = visibleTopLevel<frmErrUpload>();
+            if (form && form != last) {
+                last = form;
+                ++count;
+            }
+        });
+        poll.start(5);
+        return count;
+    }
+
+private slots:
+    void init()
+    {
+        JobState::instance().reset();
+        ClearTemporaryHome();
+    }
+
+    void uploadReplacesTheOldCopy()
+    {
+        FtpTestServer server;
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        WriteTestFile(server.localPath(QStringLiteral("/Send/report.txt")),
+                      "old and longer content");
+        Job job(server);
+        QVERIFY(job.connect(server));
+        QVERIFY(job.ftp.SetFTPDirectory(QStringLiteral("Send")));
+        job.window.showUploadPath(QStringLiteral("/Send"));
+        QVERIFY(UploadFileToFTP(job.context, localFile(QStringLiteral("report.txt"), "new")));
+        QCOMPARE(ReadTestFile(server.localPath(QStringLiteral("/Send/report.txt"))),
+                 QByteArray("new"));
+        const QStringList commands = server.commands();
+        QVERIFY(commands.indexOf(QStringLiteral("DELE report.txt")) >= 0);
+        QVERIFY(commands.indexOf(QStringLiteral("DELE report.txt")) <
+                commands.indexOf(QStringLiteral("STOR ") +
+                                 TransferEngine::TemporaryName(QStringLiteral("report.txt"))));
+        QCOMPARE(LastUploadPath(), QStringLiteral("http://www.example.com/Send"));
+        QVERIFY(!job.progress.dialog());
+    }
+
+    void awkwardNames_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("blanks") << "my holiday photo.jpg";
+        QTest::newRow("non-ascii") << QString::fromUtf8("Grüße aus Köln – ñ.txt");
+        QTest::newRow("leading dash") << "-rf.htm";
+        QTest::newRow("no dot") << "README";
+        QTest::newRow("percent and hash") << "100% #1;type=a.txt";
+    }
+
+    void awkwardNames()
+    {
+        QFETCH(QString, name);
+        FtpTestServer server;
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        QDir().mkpath(server.localPath(QStringLiteral("/a dir")));
+        Job job(server);
+        QVERIFY(job.connect(server));
+        QVERIFY(job.ftp.SetFTPDirectory(QStringLiteral("a dir")));
+        const QByteArray content = TestPattern(70000);
+        QVERIFY(UploadFileToFTP(job.context, localFile(name, content)));
+        QCOMPARE(ReadTestFile(server.localPath(QStringLiteral("/a dir/") + name)), content);
+        QCOMPARE(QDir(server.localPath(QStringLiteral("/a dir"))).entryList(QDir::Files),
+                 QStringList{name});
+        job.ftp.GetDirectoryListing(QStringLiteral("*.*"));
+        QVERIFY(job.ftp.Directory().Item(name));
+        QFile::remove(m_local.filePath(name));
+        QVERIFY(DownloadFileToFTP(job.context, m_local.filePath(name)));
+        QCOMPARE(ReadTestFile(m_local.filePath(name)), content);
+    }
+
+    void droppedConnectionIsRetriedWhole()
+    {
+        FtpTestServer::Options options;
+        options.faults = {QStringLiteral("drop-after=200000")};
+        options.times = 1;
+        FtpTestServer server(options);
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        Job job(server);
+        QVERIFY(job.connect(server));
+        int forms = 0;
+        QTimer poll;
+        errorFormsSeen(poll, forms);
+        const QByteArray content = TestPattern(2 * 1024 * 1024);
+        QVERIFY(UploadFileToFTP(job.context, localFile(QStringLiteral("cut.bin"), content)));
+        QCOMPARE(ReadTestFile(server.localPath(QStringLiteral("cut.bin"))), content);
+        QCOMPARE(server.countCommands(QStringLiteral("STOR")), 2);
+        QCOMPARE(forms, 1);
+        QCOMPARE(QDir(server.homePath()).entryList(QDir::Files),
+                 QStringList{QStringLiteral("cut.bin")});
+    }
+
+    void droppedEveryTimeLeavesNoCutFile()
+    {
+        FtpTestServer::Options options;
+        options.faults = {QStringLiteral("drop-after=100000")};
+        options.times = 3;
+        FtpTestServer server(options);
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        WriteTestFile(server.localPath(QStringLiteral("page.htm")), "old copy");
+        Job job(server);
+        QVERIFY(job.connect(server));
+        QVERIFY(!UploadFileToFTP(job.context,
+                                 localFile(QStringLiteral("page.htm"), TestPattern(1024 * 1024))));
+        QCOMPARE(server.countCommands(QStringLiteral("STOR")), 3);
+        // Neither a partial file under the name nor the old copy nor a temporary one is left.
+        QCOMPARE(QDir(server.homePath()).entryList(QDir::Files), QStringList());
+        QVERIFY(!JobState::instance().skipped());
+    }
+
+    void refusedStoreIsTriedThriceAndTheJobGoesOn_data()
+    {
+        QTest::addColumn<QString>("fault");
+        QTest::addColumn<QString>("reply");
+        QTest::newRow("550") << "stor-550"
+                             << "550 Permission denied.";
+        QTest::newRow("552") << "stor-552"
+                             << "552 Requested file action aborted. Exceeded storage allocation.";
+    }
+
+    void refusedStoreIsTriedThriceAndTheJobGoesOn()
+    {
+        QFETCH(QString, fault);
+        QFETCH(QString, reply);
+        FtpTestServer::Options options;
+        options.faults = {fault};
+        FtpTestServer server(options);
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        Job job(server);
+        QVERIFY(job.connect(server));
+        QStringList texts;
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, [&] {
+            if (frmErrUpload *form = visibleTopLevel<frmErrUpload>()) {
+                const QString text = form->findChild<QLabel *>(QStringLiteral("Label1"))->text();
+                if (texts.isEmpty() || texts.size() < server.countCommands(QStringLiteral("STOR")))
+                    texts << text;
+            }
+        });
+        poll.start(5);
+        const QStringList files = {localFile(QStringLiteral("one.txt"), "1"),
+                                   localFile(QStringLiteral("two.txt"), "2")};
+        QVERIFY(SendJobFiles(job.context, files));
+        QCOMPARE(server.countCommands(QStringLiteral("STOR")), 6);
+        QVERIFY(!texts.isEmpty());
+        for (const QString &text : texts)
+            QCOMPARE(text, reply);
+        QCOMPARE(job.ui.stepTexts,
+                 (QStringList{QStringLiteral("Currently loading section 1 of 2"),
+                              QStringLiteral("Currently loading section 2 of 2")}));
+        QCOMPARE(job.ui.statusTexts.first(), QStringLiteral("Sending Files"));
+    }
+
+    void wrongPasswordAfterConnectGivesThreeAttemptsPerFile()
+    {
+        FtpTestServer server;
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        Job job(server);
+        QVERIFY(job.connect(server));
+        job.window.m_account.password = QStringLiteral("changed");
+        int forms = 0;
+        QTimer poll;
+        errorFormsSeen(poll, forms);
+        const int logins = server.countCommands(QStringLiteral("PASS"));
+        QVERIFY(SendJobFiles(job.context, {localFile(QStringLiteral("a.txt"), "a"),
+                                           localFile(QStringLiteral("b.txt"), "b")}));
+        QCOMPARE(server.countCommands(QStringLiteral("PASS")) - logins, 6);
+        QCOMPARE(server.countCommands(QStringLiteral("STOR")), 0);
+        // A refused login is not reported by the form.
+        QCOMPARE(forms, 0);
+    }
+
+    void wrongPasswordStopsTheJobAtConnect()
+    {
+        FtpTestServer server;
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        Job job(server);
+        job.window.m_account.password = QStringLiteral("wrong");
+        QString failure;
+        QCOMPARE(ConnectForJob(job.context, {}, &failure), JobConnection::Failed);
+        QCOMPARE(failure,
+                 QStringLiteral("failed to connect, retry. (Request to connect and login to an FTP "
+                                "server could not be completed because the supplied password is "
+                                "incorrect.  Message: 12014 error code: InternetConnect)"));
+        QVERIFY(!HasSetting(QStringLiteral("Password")));
+    }
+
+    void cancelDuringTheFirstFileSendsNoFurtherFile()
+    {
+        FtpTestServer::Options options;
+        options.faults = {QStringLiteral("stall-after=300000")};
+        FtpTestServer server(options);
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        Job job(server);
+        QVERIFY(job.connect(server));
+        // Larger than what the connection's buffers hold, so the sender still waits on the
+        // stalled server when the cancel comes.
+        const QStringList files = {
+            localFile(QStringLiteral("first.bin"), TestPattern(32 * 1024 * 1024)),
+            localFile(QStringLiteral("second.txt"), "2"),
+            localFile(QStringLiteral("third.txt"), "3")};
+        int ticks = 0;
+        qint64 longestGap = 0;
+        QElapsedTimer sinceTick;
+        sinceTick.start();
+        QTimer ticker;
+        bool measuring = true;
+        QObject::connect(&ticker, &QTimer::timeout, [&] {
+            ++ticks;
+            if (measuring)
+                longestGap = std::max(longestGap, sinceTick.restart());
+        });
+        ticker.start(10);
+        QElapsedTimer sinceCancel;
+        QTimer::singleShot(1200, [&] {
+            QVERIFY(visibleTopLevel<dlgFTP>());
+            measuring = false;
+            sinceCancel.start();
+            pressCancelAndConfirm();
+        });
+        QVERIFY(!SendJobFiles(job.context, files));
+        QVERIFY(sinceCancel.isValid());
+        QVERIFY2(sinceCancel.elapsed() < 2000, qPrintable(QString::number(sinceCancel.elapsed())));
+        // The window was served all along (the bound is loose for a busy test machine).
+        QVERIFY2(ticks > 20 && longestGap < 500, qPrintable(QString::number(longestGap)));
+        QVERIFY(JobState::instance().skipped());
+        QVERIFY(JobState::instance().UploadCancelled);
+        QCOMPARE(server.countCommands(QStringLiteral("STOR")), 1);
+        QVERIFY(!QFileInfo::exists(server.localPath(QStringLiteral("first.bin"))));
+        QVERIFY(!QFileInfo::exists(server.localPath(QStringLiteral("second.txt"))));
+        QVERIFY(!visibleTopLevel<frmErrUpload>());
+        // The window's end of the job: disconnecting from the silent server does not hang.
+        QElapsedTimer disconnecting;
+        disconnecting.start();
+        DisconnectForJob(job.context);
+        QVERIFY2(disconnecting.elapsed() < 3000,
+                 qPrintable(QString::number(disconnecting.elapsed())));
+    }
+
+    void cancelButtonOfTheProgressFrameStopsAStalledFile()
+    {
+        FtpTestServer::Options options;
+        options.faults = {QStringLiteral("stall-after=100000")};
+        FtpTestServer server(options);
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        Job job(server);
+        QVERIFY(job.connect(server));
+        QElapsedTimer sinceCancel;
+        QTimer::singleShot(600, [&] {
+            sinceCancel.start();
+            JobState::instance().UploadCancelled = true;
+        });
+        QVERIFY(!UploadFileToFTP(
+            job.context, localFile(QStringLiteral("stall.bin"), TestPattern(2 * 1024 * 1024))));
+        QVERIFY2(sinceCancel.elapsed() < 2000, qPrintable(QString::number(sinceCancel.elapsed())));
+        QCOMPARE(server.countCommands(QStringLiteral("STOR")), 1);
+    }
+
+    void runInBackgroundHidesTheDialog()
+    {
+        FtpTestServer server;
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        Job job(server);
+        QVERIFY(job.connect(server));
+        JobState::instance().BackgroundRequested = true;
+        bool seenVisible = false;
+        bool seenLoaded = false;
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, [&] {
+            seenVisible = seenVisible || visibleTopLevel<dlgFTP>();
+            seenLoaded = seenLoaded || job.progress.dialog();
+        });
+        poll.start(1);
+        QVERIFY(UploadFileToFTP(
+            job.context, localFile(QStringLiteral("quiet.bin"), TestPattern(8 * 1024 * 1024))));
+        QVERIFY(!seenVisible);
+        // The toggle on the dialog itself.
+        JobState::instance().BackgroundRequested = false;
+        dlgFTP dialog(JobState::instance());
+        dialog.findChild<QPushButton *>(QStringLiteral("Command2"))->click();
+        QVERIFY(JobState::instance().BackgroundRequested);
+        dialog.findChild<QPushButton *>(QStringLiteral("Command2"))->click();
+        QVERIFY(!JobState::instance().BackgroundRequested);
+        Q_UNUSED(seenLoaded);
+    }
+
+    void windowStaysLiveDuringALargeTransfer()
+    {
+        FtpTestServer server;
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        Job job(server);
+        QVERIFY(job.connect(server));
+        const qint64 size = 192LL * 1024 * 1024;
+        const QString local = m_local.filePath(QStringLiteral("large.bin"));
+        {
+            QFile file(local);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            const QByteArray block = TestPattern(1024 * 1024);
+            for (qint64 i = 0; i < size / block.size(); ++i)
+                file.write(block);
+        }
+        QList<double> values;
+        qint64 longestGap = 0;
+        QElapsedTimer sinceTick;
+        sinceTick.start();
+        QTimer ticker;
+        QObject::connect(&ticker, &QTimer::timeout, [&] {
+            longestGap = std::max(longestGap, sinceTick.restart());
+            if (dlgFTP *dialog = visibleTopLevel<dlgFTP>()) {
+                dialog->flood()->repaint();
+                values << dialog->flood()->value();
+            }
+        });
+        ticker.start(10);
+        QVERIFY(UploadFileToFTP(job.context, local));
+        ticker.stop();
+        QCOMPARE(QFileInfo(server.localPath(QStringLiteral("large.bin"))).size(), size);
+        QVERIFY2(longestGap < 500, qPrintable(QString::number(longestGap)));
+        // The bar moved while the file went across.
+        std::sort(values.begin(), values.end());
+        values.erase(std::unique(values.begin(), values.end()), values.end());
+        QVERIFY2(values.size() >= 3, qPrintable(QString::number(values.size())));
+        QFile::remove(local);
+    }
+
+    void failingFileShowsTheFormThreeTimesForAboutFifteenSeconds()
+    {
+        FtpTestServer::Options options;
+        options.faults = {QStringLiteral("stor-550")};
+        FtpTestServer server(options);
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        Job job(server, 5000);
+        QVERIFY(job.connect(server));
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(!UploadFileToFTP(job.context, localFile(QStringLiteral("f.txt"), "f")));
+        QVERIFY2(clock.elapsed() >= 14500 && clock.elapsed() < 20000,
+                 qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(server.countCommands(QStringLiteral("STOR")), 3);
+    }
+
+    void verifyUploadPathCases_data()
+    {
+        QTest::addColumn<QString>("directory");
+        QTest::addColumn<QString>("expected");
+        QTest::addColumn<bool>("result");
+        QTest::newRow("root even when expected") << "/"
+                                                 << "/" << false;
+        QTest::newRow("inside") << "/Photos/My_Page"
+                                << "My_Page" << true;
+        QTest::newRow("case matters") << "/Photos/My_Page"
+                                      << "my_page" << false;
+        QTest::newRow("elsewhere") << "/Photos"
+                                   << "Backup" << false;
+    }
+
+    void verifyUploadPathCases()
+    {
+        QFETCH(QString, directory);
+        QFETCH(QString, expected);
+        QFETCH(bool, result);
+        FtpTestServer server;
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        QDir().mkpath(server.localPath(directory));
+        cFTP ftp;
+        QVERIFY(ftp.OpenConnection(server.server(), server.user(), server.password()));
+        QVERIFY(ftp.SetFTPDirectory(directory));
+        QCOMPARE(verifyUploadPath(ftp, expected), result);
+        ftp.CloseConnection();
+        QVERIFY(!verifyUploadPath(ftp, expected));
+    }
+
+    void checkAndEnsureDirectories()
+    {
+        FtpTestServer server;
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        QDir().mkpath(server.localPath(QStringLiteral("/Photos")));
+        WriteTestFile(server.localPath(QStringLiteral("/Plain")), "a file");
+        Job job(server);
+        QVERIFY(job.connect(server));
+        job.window.ReloadFTPList();
+        QVERIFY(CheckFTPDir(job.context, QStringLiteral("Photos")));
+        QVERIFY(!CheckFTPDir(job.context, QStringLiteral("Plain")));
+        QVERIFY(job.ui.messages.isEmpty());
+        const int reloads = job.window.reloads;
+        QVERIFY(CheckFTPDir(job.context, QStringLiteral("New Dir")));
+        QVERIFY(QFileInfo(server.localPath(QStringLiteral("/New_Dir"))).isDir());
+        QVERIFY(job.window.reloads > reloads);
+
+        QVERIFY(EnsureFTPDirectory(job.context, QStringLiteral("My Page")));
+        QCOMPARE(job.ftp.GetFTPDirectory(), QStringLiteral("/My_Page"));
+        QCOMPARE(job.window.UploadPath(), QStringLiteral("http://www.example.com/My_Page"));
+        QVERIFY(job.ftp.SetFTPDirectory(QStringLiteral("/")));
+        job.window.ReloadFTPList();
+        QVERIFY(EnsureFTPDirectory(job.context, QStringLiteral("Photos")));
+        QCOMPARE(job.ftp.GetFTPDirectory(), QStringLiteral("/Photos"));
+        QVERIFY(job.ftp.SetFTPDirectory(QStringLiteral("/")));
+        job.window.ReloadFTPList();
+        QVERIFY(!EnsureFTPDirectory(job.context, QStringLiteral("Plain")));
+    }
+
+    void directoryThatCannotBeMadeIsReported()
+    {
+        FtpTestServer::Options options;
+        options.permissions = QStringLiteral("elr");
+        FtpTestServer server(options);
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        Job job(server);
+        QVERIFY(job.connect(server));
+        job.window.ReloadFTPList();
+        QVERIFY(!CheckFTPDir(job.context, QStringLiteral("Photos")));
+        QCOMPARE(job.ui.messages.size(), 1);
+        QVERIFY(job.ui.messages.first().text.startsWith(QStringLiteral(
+            "Failed to create/find a directory, retry. Note:On some servers the root (main "
+            "directory) for the FTP site is not at the same level as the web directory.")));
+        QVERIFY(job.ui.messages.first().text.endsWith(
+            QStringLiteral("then select 'Advanced settings'.")));
+    }
+
+    void commonJobSequence()
+    {
+        FtpTestServer server;
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        QDir().mkpath(server.localPath(QStringLiteral("/public_html")));
+        Job job(server);
+
+        QCOMPARE(ConnectForJob(job.context, {true, QString(), QString()}),
+                 JobConnection::StayLocal);
+        QVERIFY(!job.ftp.IsConnected());
+
+        JobConnectOptions options;
+        options.ftpRoot = QStringLiteral("public_html");
+        options.clientRoot = QStringLiteral("Client Files");
+        QCOMPARE(ConnectForJob(job.context, options), JobConnection::Connected);
+        QCOMPARE(job.ftp.GetFTPDirectory(), QStringLiteral("/public_html/Client_Files"));
+        QVERIFY(job.ui.statusTexts.contains(QStringLiteral("Connecting")));
+        QVERIFY(std::any_of(
+            job.ui.statusTexts.begin(), job.ui.statusTexts.end(), [&](const QString &text) {
+                return text.startsWith(QStringLiteral("Connected to ") + server.server() +
+                                       QStringLiteral(" as tarnwick at "));
+            }));
+        QCOMPARE(GetSetting(QStringLiteral("Server")), server.server());
+        QCOMPARE(GetSetting(QStringLiteral("User")), server.user());
+        QCOMPARE(GetSetting(QStringLiteral("Password")), server.password());
+
+        QCOMPARE(EnterJobDirectories(job.context,
+                                     {QStringLiteral("Photos"), QStringLiteral("Summer Trip")},
+                                     QStringLiteral("Summer_Trip")),
+                 JobDirectory::Entered);
+        QCOMPARE(job.ftp.GetFTPDirectory(),
+                 QStringLiteral("/public_html/Client_Files/Photos/Summer_Trip"));
+        QVERIFY(job.ui.statusTexts.contains(QStringLiteral("Verifing Path")));
+        QVERIFY(SendJobFiles(job.context, {localFile(QStringLiteral("Sml_1.jpg"), "s"),
+                                           localFile(QStringLiteral("Photos.htm"), "<html>")}));
+        QCOMPARE(ReadTestFile(server.localPath(
+                     QStringLiteral("/public_html/Client_Files/Photos/Summer_Trip/Photos.htm"))),
+                 QByteArray("<html>"));
+        DisconnectForJob(job.context);
+        QCOMPARE(job.ui.statusTexts.last(), QStringLiteral("Disconnecting"));
+        QCOMPARE(job.window.disconnects, 1);
+        QVERIFY(!job.ftp.IsConnected());
+
+        // In the FTP root the path check fails even for "/".
+        QCOMPARE(ConnectForJob(job.context, {}), JobConnection::Connected);
+        QCOMPARE(EnterJobDirectories(job.context, {}, QStringLiteral("/")),
+                 JobDirectory::WrongPath);
+    }
+
+    void thousandUploadsLeaveNoDescriptorsOrMemoryBehind()
+    {
+        FtpTestServer server;
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        Job job(server);
+        QVERIFY(job.connect(server));
+        JobState::instance().BackgroundRequested = true;
+        const QString local = localFile(QStringLiteral("small.txt"), TestPattern(2000));
+        // A first round settles lazily made things (fonts, the library's caches).
+        for (int i = 0; i < 20; ++i)
+            QVERIFY(UploadFileToFTP(job.context, local));
+        const int descriptors = openFileDescriptors();
+        const qint64 resident = residentKilobytes();
+        for (int i = 0; i < 1000; ++i) {
+            if (!UploadFileToFTP(job.context, local))
+                QFAIL(qPrintable(QStringLiteral("upload %1 failed").arg(i)));
+        }
+        QCOMPARE(openFileDescriptors(), descriptors);
+        const qint64 grown = residentKilobytes() - resident;
+        QVERIFY2(grown < 4096,
+                 qPrintable(QStringLiteral("resident memory grew by %1 KB").arg(grown)));
+        QCOMPARE(ReadTestFile(server.localPath(QStringLiteral("small.txt"))), TestPattern(2000));
+    }
+};
+
+TARNWICK_TEST_MAIN(TestUploadSteps)
+#include "test_uploadsteps.moc"
