@@ -268,7 +268,8 @@ void frmDialogPg::PathText_LostFocus()
         folder = QDir::homePath() + folder.mid(1);
     else if (!folder.isEmpty() && QDir::isRelativePath(folder))
         folder = QDir(m_dir->path()).filePath(folder);
-    if (cleanFolder(folder) == m_dir->path() && m_files->path() == m_dir->path()) {
+    if (folder.isEmpty() ||
+        (cleanFolder(folder) == m_dir->path() && m_files->path() == m_dir->path())) {
         m_pathText->setText(m_dir->path());
         return;
     }

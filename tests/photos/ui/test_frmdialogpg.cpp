@@ -343,13 +343,16 @@ private slots:
                               << "~";
         QTest::newRow("trailing slash") << "Trip/"
                                         << "Trip";
+        QTest::newRow("emptied box") << ""
+                                     << "";
     }
     void typedShortForms()
     {
         QFETCH(QString, typed);
         QFETCH(QString, folder);
-        const QString expected =
-            folder == QStringLiteral("~") ? QDir::homePath() : m_pictures.filePath(folder);
+        const QString expected = folder == QStringLiteral("~") ? QDir::homePath()
+                                 : folder.isEmpty()            ? m_pictures.path()
+                                                               : m_pictures.filePath(folder);
         frmDialogPg form(true, m_pictures.path());
         form.show();
         auto *pathText = child<QLineEdit>(form, "PathText");
