@@ -119,15 +119,17 @@ PhotoBuildOutcome PhotoBuildJob::cmdBuildAll()
     showStep(QStringLiteral("Verifing Path"));
     yield();
     transfer.ReloadFTPList();
-    m_photosIsFile = false;
-    if (const cDirItem *item = ftp.Directory().Item(QStringLiteral("Photos")))
-        m_photosIsFile = !item->isDirectory();
+    const cDirItem *photos = ftp.Directory().Item(QStringLiteral("Photos"));
+    m_photosIsFile = photos && !photos->isDirectory();
+    const bool photosListed = photos != nullptr;
     if (!EnsureFTPDirectory(m_context, QStringLiteral("Photos"))) {
         failureBranch(m_photosIsFile
                           ? QStringLiteral("\"Photos\" on the web space is a file, not a directory")
                           : ftp.GetLastErrorMessage());
         return PhotoBuildOutcome::Failed;
     }
+    if (!photosListed)
+        ui.SetStatusText(QStringLiteral("Creating a directory"));
     enterPageFolder();
 
     if (!verifyUploadPath(ftp, QStringLiteral("Photos/") + PageName)) {
@@ -148,6 +150,19 @@ PhotoBuildOutcome PhotoBuildJob::cmdBuildAll()
         m_window.showProgressFrame(false);
         transfer.cmdDisconnect();
         return PhotoBuildOutcome::Cancelled;
+    }
+    if (!m_allSent) {
+        // A page with missing files gets no pointer, and the list stays for another press.
+        transfer.cmdDisconnect();
+        m_window.refreshHistoryList();
+        m_window.refreshReadyList();
+        m_window.setBusy(false);
+        m_window.showProgressFrame(false);
+        ui.Message(QStringLiteral("Not every file of the page reached your site. The pictures "
+                                  "stay on the Ready to Send list: press Build All again to "
+                                  "send the page once more."),
+                   Tarnwick, JobUi::Buttons::Ok, JobUi::Icon::Warning);
+        return PhotoBuildOutcome::Incomplete;
     }
 
     // The caption names the page's folder only while the session stands in it.

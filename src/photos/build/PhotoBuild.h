@@ -64,6 +64,7 @@ enum class PhotoBuildOutcome
     Failed,       // the failure branch: no connection, or a directory that can't be had
     WrongPath,    // the session did not stand in the page's folder
     Cancelled,    // the user cancelled the upload
+    Incomplete,   // a file did not arrive: no pointer, and the list stays for a resend
 };
 
 // "Tarnwick Build All and send to your site": the photo page from the Ready to Send list to a
@@ -90,8 +91,10 @@ public:
     bool PromptAllPhotos(bool ask);
     // Writes <ImageRoot>/<PageName>/Photos.htm; false when it can't be written.
     bool BuildLocalPhoto();
-    // Sends every thumbnail, enlarged copy and the page; false when cancelled.
+    // Sends every thumbnail, enlarged copy and the page; false when cancelled. allSent() tells
+    // whether every file arrived.
     bool UploadToFTP();
+    bool allSent() const { return m_allSent; }
     // Makes sure of ClientRoot and of folder on the web space, and goes there.
     bool ReloadPath(const QString &folder);
 
@@ -123,6 +126,8 @@ private:
     PhotoBuildWindow &m_window;
     PhotoBuildOptions m_options;
     bool m_photosIsFile = false;
+    bool m_allSent = true;
+    bool m_reconnectTold = false;
 };
 
 // A page name cleaned of the characters that a folder name on the web space can't hold:

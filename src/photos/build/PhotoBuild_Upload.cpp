@@ -43,6 +43,8 @@ bool PhotoBuildJob::UploadToFTP()
         return true;
     };
 
+    m_allSent = true;
+    m_reconnectTold = false;
     showSection();
     m_context.ui.SetStatusText(QStringLiteral("Start Upload"));
     yield();
@@ -74,11 +76,13 @@ bool PhotoBuildJob::UploadToFTP()
         if (!verifyUploadPath(m_context.ftp, QStringLiteral("Photos/") + PageName))
             reconnect();
 
-        UploadFileToFTP(m_context, LrgPath);
+        if (!UploadFileToFTP(m_context, LrgPath))
+            m_allSent = false;
         if (cancelled())
             return false;
         yield();
-        UploadFileToFTP(m_context, SmlPath);
+        if (!UploadFileToFTP(m_context, SmlPath))
+            m_allSent = false;
         if (cancelled())
             return false;
         yield();
@@ -122,8 +126,12 @@ bool PhotoBuildJob::reconnect()
     transfer.cmdDisconnect();
     const FtpAccount account = transfer.account();
     if (!ftp.OpenConnection(account.server, account.user, account.password)) {
-        m_context.ui.Message(QStringLiteral("There was a error with reconnecting to the server."),
-                             Tarnwick, JobUi::Buttons::Ok, JobUi::Icon::Warning);
+        // Told once a run; each further file tries the server again.
+        if (!m_reconnectTold)
+            m_context.ui.Message(
+                QStringLiteral("There was a error with reconnecting to the server."), Tarnwick,
+                JobUi::Buttons::Ok, JobUi::Icon::Warning);
+        m_reconnectTold = true;
         return false;
     }
     ftp.SetFTPDirectory(QStringLiteral("/"));

@@ -22,7 +22,7 @@ class BuildTestWindow final : public TransferWindow, public PhotoBuildWindow
 {
 public:
     BuildTestWindow(cFTP &ftp, const FtpTestServer &server, const QString &workingFolder)
-        : m_ftp(ftp), account_{server.server(), server.user(), server.password()}
+        : account_{server.server(), server.user(), server.password()}, m_ftp(ftp)
     {
         options_.ChoosenUploadPath = workingFolder;
         options_.sizingThreads = 2;
