@@ -38,17 +38,20 @@ struct MessageSeen
     bool seen = false;
 };
 
-inline std::shared_ptr<MessageSeen> answerMessageBox(QMessageBox::StandardButton button)
+inline std::shared_ptr<MessageSeen> answerMessageBox(QMessageBox::StandardButton button,
+                                                     int timeoutMs = 5000)
 {
     auto seen = std::make_shared<MessageSeen>();
-    whenModal<QMessageBox>([seen, button](QMessageBox *box) {
-        seen->title = box->windowTitle();
-        seen->text = box->text();
-        seen->seen = true;
-        if (QAbstractButton *b = box->button(button))
-            b->click();
-        else
-            box->reject();
-    });
+    whenModal<QMessageBox>(
+        [seen, button](QMessageBox *box) {
+            seen->title = box->windowTitle();
+            seen->text = box->text();
+            seen->seen = true;
+            if (QAbstractButton *b = box->button(button))
+                b->click();
+            else
+                box->reject();
+        },
+        timeoutMs);
     return seen;
 }

@@ -297,6 +297,39 @@ private slots:
             m_main->helpWindow()->browser()->toPlainText().contains(QStringLiteral("Send a File")));
     }
 
+    void spellCheckEntrySwitchesTheFeature()
+    {
+        QAction *entry = action(QStringLiteral("SpellCheckOn"));
+        QVERIFY(!entry->isChecked());
+
+        // Turning it on asks first; No changes nothing.
+        auto seen = answerMessageBox(QMessageBox::No);
+        entry->trigger();
+        QVERIFY(seen->seen);
+        QCOMPARE(seen->title, QStringLiteral("Tarnwick"));
+        QVERIFY(seen->text.endsWith(QString(33, QLatin1Char(' ')) +
+                                    QStringLiteral("Are You Sure You Want To Continue?")));
+        QVERIFY(!entry->isChecked());
+        QVERIFY(!HasSetting(QStringLiteral("SpellCheck")) ||
+                GetSetting(QStringLiteral("SpellCheck")) == QStringLiteral("False"));
+
+        seen = answerMessageBox(QMessageBox::Yes);
+        entry->trigger();
+        QVERIFY(entry->isChecked());
+        QCOMPARE(GetSetting(QStringLiteral("SpellCheck")), QStringLiteral("True"));
+        QVERIFY(action(QStringLiteral("CheckSpellingMenu"))->isEnabled());
+        QVERIFY(action(QStringLiteral("CheckSpellingAllMenu"))->isEnabled());
+
+        // Turning it off asks nothing.
+        seen = answerMessageBox(QMessageBox::Yes, 200);
+        entry->trigger();
+        QTest::qWait(300);
+        QVERIFY(!entry->isChecked());
+        QCOMPARE(GetSetting(QStringLiteral("SpellCheck")), QStringLiteral("False"));
+        QVERIFY(!action(QStringLiteral("CheckSpellingMenu"))->isEnabled());
+        QVERIFY(!seen->seen);
+    }
+
     void tabMenuAndTabStripOpenFunctions()
     {
         action(QStringLiteral("TabMenu_3"))->trigger();
@@ -605,8 +638,9 @@ private slots:
         SaveSetting(QStringLiteral("entry"), QStringLiteral("5"));
         m_main = std::make_unique<frmMain>();
         m_main->setSetupPage([&setupShown] { ++setupShown; });
-        auto again = answerMessageBox(QMessageBox::No);
+        auto again = answerMessageBox(QMessageBox::No, 300);
         m_main->Load();
+        QTest::qWait(350);
         QCOMPARE(setupShown, 1);
         QVERIFY(!again->seen);
         QVERIFY(m_main->copyFilesReport().copied.isEmpty());

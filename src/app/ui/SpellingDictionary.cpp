@@ -16,3 +16,11 @@ QString InstalledSpellingDictionary()
                 return name;
     return QString();
 }
+
+QString SpellingDictionaryPhrase()
+{
+    const QString dictionary = InstalledSpellingDictionary();
+    return dictionary.isEmpty()
+               ? QStringLiteral("a Hunspell spelling dictionary")
+               : QStringLiteral("the Hunspell spelling dictionary \"%1\"").arg(dictionary);
+}

@@ -5,6 +5,7 @@
 #include "InstructionForm.h"
 #include "JobState.h"
 #include "Settings.h"
+#include "SpellingDictionary.h"
 #include "StepRing.h"
 #include "frmInputBox.h"
 
@@ -264,6 +265,7 @@ void frmMain::buildMenus()
     m_spellCheckOn = m_optionsMenu->addAction(QStringLiteral("Spell Check On"));
     m_spellCheckOn->setObjectName(QStringLiteral("SpellCheckOn"));
     m_spellCheckOn->setCheckable(true);
+    connect(m_spellCheckOn, &QAction::triggered, this, &frmMain::SpellCheckOn_Click);
     m_checkSpellingMenu = m_optionsMenu->addAction(QStringLiteral("Check Spelling"));
     m_checkSpellingMenu->setObjectName(QStringLiteral("CheckSpellingMenu"));
     m_checkSpellingAllMenu = m_optionsMenu->addAction(QStringLiteral("Check Spelling - All"));
@@ -402,4 +404,33 @@ bool frmMain::eventFilter(QObject *watched, QEvent *event)
         return true;
     }
     return QMainWindow::eventFilter(watched, event);
+}
+
+void frmMain::SpellCheckOn_Click()
+{
+    // The entry's check has already flipped: unchecked now means it was on.
+    const bool wasOn = !m_spellCheckOn->isChecked();
+    m_spellCheckOn->setChecked(wasOn);
+    bool on = false;
+    if (!wasOn) {
+        const QString name = SpellingDictionaryPhrase();
+        const QString text =
+            QStringLiteral("The Spell Checker requires that you have %1 installed on your system.")
+                .arg(name) +
+            QStringLiteral("\n\n") +
+            QStringLiteral("Running the Spell Checker on a system without %1 could result in "
+                           "unpredictable behavior.")
+                .arg(name) +
+            QStringLiteral("\n\n") + QString(33, QLatin1Char(' ')) +
+            QStringLiteral("Are You Sure You Want To Continue?");
+        if (m_jobUi->Message(text, QStringLiteral("Tarnwick"), JobUi::Buttons::YesNo,
+                             JobUi::Icon::Question) != JobUi::Answer::Yes)
+            return;
+        on = true;
+    }
+    SaveSetting(QStringLiteral("SpellCheck"), BoolText(on));
+    m_spellCheckOn->setChecked(on);
+    m_checkSpellingMenu->setEnabled(on);
+    m_checkSpellingAllMenu->setEnabled(on);
+    m_startup.SpellCheck = on;
 }

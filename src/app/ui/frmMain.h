@@ -131,6 +131,9 @@ public:
     GuiJobUi &jobUi() const { return *m_jobUi; }
     frmInputBox *inputBox();
 
+    // Options > Spell Check On: off at once; on after the question about the dictionary.
+    void SpellCheckOn_Click();
+
     // Timers: the removable drive (Timer1), the tick counter (Timer4) and Wait on it.
     QString RemovableDrive() const { return m_removableDrive; }
     QString Text2() const;

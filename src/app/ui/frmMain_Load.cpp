@@ -131,11 +131,7 @@ void frmMain::PromptForSetup()
 
 void frmMain::askSpellingQuestion()
 {
-    const QString dictionary = InstalledSpellingDictionary();
-    const QString name =
-        dictionary.isEmpty()
-            ? QStringLiteral("a Hunspell spelling dictionary")
-            : QStringLiteral("the Hunspell spelling dictionary \"%1\"").arg(dictionary);
+    const QString name = SpellingDictionaryPhrase();
     const QString text =
         QStringLiteral("The Spell Checker requires that you have %1 installed on your system.")
             .arg(name) +
