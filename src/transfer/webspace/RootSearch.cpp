@@ -17,6 +17,8 @@ RootSearchOptions RootSearchOptions::allTicked()
     return options;
 }
 
+const QString RootSearch::ProbeName = QStringLiteral("Test_Directory");
+
 RootSearch::RootSearch(RootSearchHost &host, RootSearchOptions options)
     : m_host(host), m_options(std::move(options))
 {
@@ -63,7 +65,9 @@ RootSearchResult RootSearch::run()
         }
 
         for (const RootSearchEntry &entry : listing) {
-            if (!entry.isDirectory)
+            // A probe directory that a server would not let go is no candidate: walking into
+            // it would only make another one inside.
+            if (!entry.isDirectory || entry.name == ProbeName)
                 continue;
             m_host.ShowSearchName(entry.name);
             m_host.ProcessEvents();
@@ -85,9 +89,9 @@ RootSearchResult RootSearch::run()
             m_host.SetFTPDirectory(entry.name);
             m_host.ProcessEvents();
             QString status;
-            if (m_host.CreateFTPDirectory(QStringLiteral("Test_Directory"))) {
+            if (m_host.CreateFTPDirectory(ProbeName)) {
                 m_host.ProcessEvents();
-                m_host.RemoveFTPDirectory(QStringLiteral("Test_Directory"));
+                m_host.RemoveFTPDirectory(ProbeName);
                 m_host.ProcessEvents();
                 m_host.ReloadFTPList();
                 status = QStringLiteral("Good");

@@ -63,6 +63,8 @@ class RootSearch final
 {
 public:
     static constexpr int MaxRows = 1000;
+    // The directory made and removed to test whether a directory can be written to.
+    static const QString ProbeName;
 
     RootSearch(RootSearchHost &host, RootSearchOptions options);
 

@@ -1,0 +1,131 @@
+#include "SendAFile.h"
+
+#include "DirectoryName.h"
+#include "HTMLMake.h"
+#include "JobState.h"
+#include "JobUi.h"
+#include "UploadSteps.h"
+#include "cFTP.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QLocale>
+
+namespace {
+
+const QString Title = QStringLiteral("Send a File");
+
+QString connectedText(const SendAFileInputs &inputs)
+{
+    return QStringLiteral("Connected to ") + inputs.server + QStringLiteral(" as ") + inputs.user +
+           QStringLiteral(" at ") +
+           QLocale::c().toString(QTime::currentTime(), QStringLiteral("HH:mm:ss"));
+}
+
+} // namespace
+
+SendAFileResult SendThisFile(cFTP &ftp, JobUi &ui, JobState &state, const UploadSteps &steps,
+                             SendAFileInputs &inputs, SendAFileWindow &window)
+{
+    using Outcome = SendAFileResult::Outcome;
+    SendAFileResult result;
+    state.UserResponse.clear();
+
+    const auto finish = [&](Outcome outcome) {
+        state.UserResponse.clear();
+        window.shapeEvent(20);
+        result.outcome = outcome;
+        result.sName = inputs.sName;
+        return result;
+    };
+
+    // A file that was moved or deleted since it was chosen is told before anything is asked.
+    const QFileInfo file(inputs.FileToSend.trimmed());
+    if (inputs.FileToSend.trimmed().isEmpty() || !file.isFile() || !file.isReadable()) {
+        const QString shown = inputs.FileToSend.trimmed();
+        ui.Message(shown.isEmpty() ? QStringLiteral("Select the file to send first.")
+                                   : QStringLiteral("The file to send was not found: ") + shown +
+                                         QStringLiteral(". Select the file again and resend."),
+                   Title, JobUi::Buttons::Ok, JobUi::Icon::Warning);
+        return finish(Outcome::NoFile);
+    }
+
+    if (inputs.sName.trimmed().isEmpty()) {
+        QString answer =
+            AskUser(ui, state,
+                    QStringLiteral("Please enter a name for this directory. If you "
+                                   "are sending this to someone you might want to "
+                                   "use their initials."),
+                    DefaultSendFileDirectory(QDateTime::currentDateTime()), QStringLiteral("Hide"));
+        if (answer == JobState::Blank)
+            answer = QStringLiteral("Transfer");
+        // A cancel is not looked at here: the name becomes "!!Skip!!" cleaned, and the stop
+        // comes after the transfer, as for every job.
+        inputs.sName = CleanDirectoryName(answer.trimmed());
+    }
+    inputs.sName = SendFileDirectoryName(inputs.sName);
+
+    if (inputs.sName.isEmpty() || inputs.runWithoutMenu)
+        return finish(Outcome::NothingToSend);
+
+    if (!ftp.OpenConnection(inputs.server, inputs.user, inputs.password))
+        return finish(Outcome::NoConnection);
+
+    ftp.SetFTPDirectory(QStringLiteral("/"));
+    window.ReloadFTPList();
+    ftp.SetFTPDirectory(inputs.FTPRoot);
+    window.showStatus(connectedText(inputs));
+    window.ReloadFTPList();
+
+    const auto reload = [&window] { window.ReloadFTPList(); };
+    const auto showPath = [&] {
+        window.setUploadPath(inputs.webSite + ftp.GetFTPDirectory().trimmed());
+    };
+    const auto ensure = [&](const QString &name) {
+        return EnsureFTPDirectory(ftp, ui, steps, name, reload, showPath);
+    };
+    const QString clientRoot = inputs.ClientRoot.trimmed();
+    if (!clientRoot.isEmpty()) {
+        QString directory = clientRoot;
+        directory.replace(QLatin1Char(' '), QLatin1Char('_'));
+        if (!ensure(directory)) {
+            state.UserResponse.clear();
+            window.shapeEvent(20);
+            window.cmdDisconnect();
+            result.outcome = Outcome::NoDirectory;
+            result.sName = inputs.sName;
+            return result;
+        }
+    }
+    if (!ensure(inputs.sName)) {
+        window.cmdDisconnect();
+        return finish(Outcome::NoDirectory);
+    }
+
+    if (!steps.verifyUploadPath(inputs.sName)) {
+        ui.Message(
+            QStringLiteral("The connection to the upload path has failed. Select to resend."),
+            Title, JobUi::Buttons::Ok, JobUi::Icon::Warning);
+        window.cmdDisconnect();
+        result.outcome = Outcome::WrongPath;
+        result.sName = inputs.sName;
+        return result;
+    }
+
+    steps.UploadFileToFTP(file.absoluteFilePath());
+    if (state.UserResponse == JobState::Skip) {
+        window.showProgressFrame(false);
+        window.cmdDisconnect();
+        result.outcome = Outcome::Cancelled;
+        result.sName = inputs.sName;
+        return result;
+    }
+
+    ui.ProcessEvents();
+    // The caption is read before the disconnect, which takes the directory away from it.
+    const QString uploadPath = window.UploadPath();
+    window.cmdDisconnect();
+    result.pointer = CopyPointer(ui, state, uploadPath + QLatin1Char('/') + file.fileName(),
+                                 QString(), QStringLiteral("%20"));
+    return finish(Outcome::Sent);
+}

@@ -1,0 +1,373 @@
+#include "FtpControlTab.h"
+
+#include "BrowserTexts.h"
+#include "Folders.h"
+#include "HTMLMake.h"
+#include "JobState.h"
+#include "JobUi.h"
+#include "Settings.h"
+#include "cFTP.h"
+#include "frmMain.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QTime>
+#include <QTreeWidget>
+
+namespace {
+
+const QString ParentRow = QStringLiteral("..");
+
+} // namespace
+
+void FtpControlTab::ReloadFTPList()
+{
+    m_lblDir->setText(QStringLiteral("Current Directory: ") + m_ftp.GetFTPDirectory().trimmed());
+    m_ftp.GetDirectoryListing(QStringLiteral("*.*"));
+
+    m_lv->setUpdatesEnabled(false);
+    m_lv->clear();
+    QList<QTreeWidgetItem *> rows;
+    const cDirList &list = m_ftp.Directory();
+    rows.reserve(list.Count() + 1);
+    rows.append(new QTreeWidgetItem(QStringList{ParentRow, QString(), QString(), QString()}));
+    for (const cDirItem &item : list) {
+        const QString size = item.isDirectory() ? DirectorySizeText() : SizeText(item.Size);
+        const QString date =
+            item.LastWriteTime.isValid()
+                ? QLocale::c().toString(item.LastWriteTime, QStringLiteral("yyyy-MM-dd HH:mm"))
+                : QString();
+        auto *row =
+            new QTreeWidgetItem(QStringList{item.Name, size, AttributeText(item.Attributes), date});
+        row->setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
+        rows.append(row);
+    }
+    m_lv->addTopLevelItems(rows);
+    m_lv->setUpdatesEnabled(true);
+    // The web address follows the list at once, not only at the next tick of Timer3.
+    if (m_ftp.IsConnected())
+        showUploadPath();
+}
+
+void FtpControlTab::showUploadPath()
+{
+    m_window.UploadPath()->setText(m_window.txtWebSite()->text() +
+                                   m_ftp.GetFTPDirectory().trimmed());
+}
+
+void FtpControlTab::showConnectedStatus()
+{
+    const QString text = QStringLiteral("Connected to ") + m_window.txtServer()->text() +
+                         QStringLiteral(" as ") + m_window.txtUser()->text() +
+                         QStringLiteral(" at ") +
+                         QLocale::c().toString(QTime::currentTime(), QStringLiteral("HH:mm:ss"));
+    m_window.statusBar()->showMessage(text);
+}
+
+void FtpControlTab::cmdConnect_Click()
+{
+    if (m_window.RunWithoutMenu()->isChecked())
+        return;
+    JobUi &ui = m_ui;
+    if (!m_ftp.OpenConnection(m_window.txtServer()->text(), m_window.txtUser()->text(),
+                              m_window.txtPassword()->text())) {
+        ui.Message(m_ftp.GetLastErrorMessage(), QStringLiteral("error"), JobUi::Buttons::Ok,
+                   JobUi::Icon::Critical);
+        return;
+    }
+    m_connected = true;
+    m_ftp.SetFTPDirectory(QStringLiteral("/"));
+    ReloadFTPList();
+    m_ftp.SetFTPDirectory(m_window.FTPRoot()->text());
+    showConnectedStatus();
+
+    ReloadFTPList();
+    showUploadPath();
+
+    const QString clientRoot = m_window.ClientRoot()->text().trimmed();
+    if (!clientRoot.isEmpty())
+        EnsureFTPDirectory(
+            m_ftp, m_ui, m_steps, clientRoot, [this] { ReloadFTPList(); },
+            [this] { showUploadPath(); });
+
+    EnableFTPButtons(true);
+    m_window.shapeEvent(41);
+}
+
+void FtpControlTab::cmdDisconnect_Click()
+{
+    m_ftp.CloseConnection();
+    m_connected = false;
+    m_lv->clear();
+    EnableFTPButtons(false);
+    m_window.setWindowTitle(QStringLiteral("Tarnwick - Ready to Connect"));
+    m_window.shapeEvent(40);
+}
+
+QString FtpControlTab::selectedName() const
+{
+    const QTreeWidgetItem *item = m_lv->currentItem();
+    if (!item || !item->isSelected())
+        return QString();
+    return item->text(0);
+}
+
+void FtpControlTab::changeDirectory(const QString &path)
+{
+    m_ftp.SetFTPDirectory(path);
+    ReloadFTPList();
+}
+
+void FtpControlTab::lv_My_DblClick(QTreeWidgetItem *item)
+{
+    if (!item)
+        return;
+    const QString name = item->text(0);
+    if (name == ParentRow) {
+        m_ftp.SetFTPDirectory(ParentRow);
+    } else {
+        const cDirItem *entry = m_ftp.Directory().Item(name);
+        if (entry && entry->isDirectory()) {
+            m_ftp.SetFTPDirectory(name);
+        } else if (entry) {
+            cmdDownload_Click();
+        }
+    }
+    ReloadFTPList();
+}
+
+void FtpControlTab::UpDirButton_Click()
+{
+    changeDirectory(ParentRow);
+}
+
+void FtpControlTab::setDownloadPathChooser(std::function<QString(const QString &)> chooser)
+{
+    m_downloadChooser = std::move(chooser);
+}
+
+void FtpControlTab::cmdDownload_Click()
+{
+    const QString name = selectedName();
+    if (name.isEmpty() || name == ParentRow)
+        return;
+    QString local;
+    if (m_downloadChooser) {
+        local = m_downloadChooser(name);
+    } else {
+        local = QFileDialog::getSaveFileName(
+            &m_window, tr("Download File from Server"),
+            QDir(Folders::FindSystemFolder(Folders::SystemFolder::Documents)).filePath(name),
+            QString(), nullptr, QFileDialog::DontConfirmOverwrite);
+    }
+    if (local.isEmpty())
+        return;
+    JobUi &ui = m_ui;
+    if (QFileInfo::exists(local) &&
+        ui.Message(QStringLiteral("This file exist do you want to over write it?"),
+                   QStringLiteral("Need to know.."), JobUi::Buttons::YesNo,
+                   JobUi::Icon::Question) != JobUi::Answer::Yes)
+        return;
+    m_steps.DownloadFileToFTP(name, local);
+}
+
+void FtpControlTab::cmdUpload_Click()
+{
+    QMenu menu(this);
+    QAction *files = menu.addAction(tr("Choose files..."));
+    QAction *folder = menu.addAction(tr("Choose a folder with its sub-folders..."));
+    QAction *chosen = menu.exec(m_cmdUpload->mapToGlobal(QPoint(0, m_cmdUpload->height())));
+    const QString start = Folders::FindSystemFolder(Folders::SystemFolder::Documents);
+    if (chosen == files) {
+        const QStringList picked =
+            QFileDialog::getOpenFileNames(&m_window, tr("Upload File to Server"), start);
+        if (!picked.isEmpty())
+            uploadFiles(QFileInfo(picked.first()).absolutePath(), picked);
+    } else if (chosen == folder) {
+        const QString base =
+            QFileDialog::getExistingDirectory(&m_window, tr("Upload File to Server"), start);
+        if (base.isEmpty())
+            return;
+        QStringList picked;
+        QDirIterator walk(base, QDir::Files | QDir::Hidden | QDir::NoSymLinks,
+                          QDirIterator::Subdirectories);
+        while (walk.hasNext())
+            picked.append(walk.next());
+        picked.sort(Qt::CaseInsensitive);
+        // The folder itself becomes a directory on the server, with its sub-folders below.
+        uploadFiles(QFileInfo(base).absolutePath(), picked);
+    }
+}
+
+void FtpControlTab::uploadFiles(const QString &baseFolder, const QStringList &files)
+{
+    JobUi &ui = m_ui;
+    const QDir base(baseFolder);
+    ui.SetStatusText(QStringLiteral("Collecting Files and Information"));
+    m_window.showProgressFrame(true);
+    ui.ProcessEvents();
+
+    const QString start = m_ftp.GetFTPDirectory().trimmed();
+
+    // The directory of each file, relative to the base folder, in the order first met.
+    QStringList directories;
+    QStringList fileDirectories;
+    for (const QString &file : files) {
+        QString relative = base.relativeFilePath(QFileInfo(file).absolutePath());
+        relative.replace(QLatin1Char('\\'), QLatin1Char('/'));
+        if (relative == QLatin1String("."))
+            relative.clear();
+        fileDirectories.append(relative);
+        if (!relative.isEmpty() && !directories.contains(relative))
+            directories.append(relative);
+    }
+
+    ui.SetStatusText(QStringLiteral("Creating Directories"));
+    for (const QString &directory : directories) {
+        const QStringList levels = directory.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+        for (const QString &level : levels) {
+            // A level made by an earlier file is simply entered.
+            m_ftp.CreateFTPDirectory(level);
+            ReloadFTPList();
+            m_ftp.SetFTPDirectory(level);
+        }
+        for (qsizetype i = 0; i < levels.size(); ++i)
+            UpDirButton_Click();
+    }
+
+    ui.SetStatusText(QStringLiteral("Sending files"));
+    for (qsizetype i = 0; i < files.size(); ++i) {
+        const QString &directory = fileDirectories.at(i);
+        QString remote = start;
+        if (!directory.isEmpty())
+            remote =
+                (start.endsWith(QLatin1Char('/')) ? start : start + QLatin1Char('/')) + directory;
+        m_ftp.SetFTPDirectory(remote);
+        showUploadPath();
+        m_steps.UploadFileToFTP(files.at(i));
+        if (m_state.UserResponse == JobState::Skip)
+            break;
+    }
+
+    m_ftp.SetFTPDirectory(start);
+    ReloadFTPList();
+    showUploadPath();
+    m_window.showProgressFrame(false);
+}
+
+void FtpControlTab::cmdCreateDir_Click()
+{
+    JobUi &ui = m_ui;
+    const QString name =
+        AskUser(ui, m_state, QStringLiteral("Please enter a name for this directory:"), QString(),
+                QStringLiteral("Hide"));
+    if (name == JobState::Blank || name == JobState::Skip)
+        return;
+    if (m_ftp.CreateFTPDirectory(name))
+        ui.Message(QStringLiteral("Directory ") + name +
+                       QStringLiteral(" was successfully created."),
+                   QStringLiteral("Tarnwick"));
+    else
+        ui.Message(m_ftp.GetLastErrorMessage(), QStringLiteral("Tarnwick"), JobUi::Buttons::Ok,
+                   JobUi::Icon::Warning);
+    ReloadFTPList();
+}
+
+void FtpControlTab::cmdRename_Click()
+{
+    const QString oldName = selectedName();
+    if (oldName.isEmpty() || oldName == ParentRow)
+        return;
+    JobUi &ui = m_ui;
+    const QString newName =
+        AskUser(ui, m_state, QStringLiteral("Please enter a new name for this file:"), oldName,
+                QStringLiteral("Hide"));
+    if (newName == JobState::Blank || newName == JobState::Skip)
+        return;
+    if (m_ftp.RenameFTPFile(oldName, newName))
+        ui.Message(QStringLiteral("File was successfully renamed"), QStringLiteral("Tarnwick"));
+    else
+        ui.Message(m_ftp.GetLastErrorMessage(), QStringLiteral("Tarnwick"), JobUi::Buttons::Ok,
+                   JobUi::Icon::Warning);
+    ReloadFTPList();
+}
+
+bool FtpControlTab::deleteEntry(const QString &name)
+{
+    const cDirItem *entry = m_ftp.Directory().Item(name);
+    if (!entry)
+        return false;
+    const bool done = entry->isDirectory() ? m_ftp.RemoveFTPDirectory(entry->Name)
+                                           : m_ftp.DeleteFTPFile(entry->Name);
+    if (!done)
+        m_ui.Message(m_ftp.GetLastErrorMessage(), QStringLiteral("Delete?"), JobUi::Buttons::Ok,
+                     JobUi::Icon::Warning);
+    return done;
+}
+
+void FtpControlTab::cmdDelete_Click()
+{
+    const QString name = selectedName();
+    if (name.isEmpty() || name == ParentRow)
+        return;
+    if (m_ui.Message(QStringLiteral("Are you sure you want to delete ") + name +
+                         QStringLiteral("?"),
+                     QStringLiteral("Delete?"), JobUi::Buttons::YesNo,
+                     JobUi::Icon::Question) != JobUi::Answer::Yes)
+        return;
+    deleteEntry(name);
+    ReloadFTPList();
+}
+
+void FtpControlTab::cmdDeleteAll_Click()
+{
+    if (m_ui.Message(
+            QStringLiteral("Are you sure you want to delete all of the items in this directory?"),
+            QStringLiteral("Delete?"), JobUi::Buttons::YesNo,
+            JobUi::Icon::Question) != JobUi::Answer::Yes)
+        return;
+    QStringList names;
+    for (int i = 1; i < m_lv->topLevelItemCount(); ++i)
+        names.append(m_lv->topLevelItem(i)->text(0));
+    for (const QString &name : names)
+        deleteEntry(name);
+    ReloadFTPList();
+}
+
+void FtpControlTab::DelSelectionButton_Click()
+{
+    QStringList names;
+    for (const QTreeWidgetItem *item : m_lv->selectedItems()) {
+        if (item->text(0) != ParentRow)
+            names.append(item->text(0));
+    }
+    if (names.isEmpty())
+        return;
+    const QString question =
+        names.size() == 1 ? QStringLiteral("Are you sure you want to delete ") + names.first() +
+                                QStringLiteral("?")
+                          : QStringLiteral("Are you sure you want to delete the %1 selected items?")
+                                .arg(names.size());
+    if (m_ui.Message(question, QStringLiteral("Delete?"), JobUi::Buttons::YesNo,
+                     JobUi::Icon::Question) != JobUi::Answer::Yes)
+        return;
+    for (const QString &name : names)
+        deleteEntry(name);
+    ReloadFTPList();
+}
+
+void FtpControlTab::MakeFilePointerStdButton_Click()
+{
+    const QString name = selectedName();
+    if (name.isEmpty() || name == ParentRow)
+        return;
+    const QString path = FilePointerPath(m_window.UploadPath()->text(), name);
+    CopyPointer(m_ui, m_state, path, QString(), QStringLiteral("%20"));
+}

@@ -1,0 +1,242 @@
+#include "StartupPage.h"
+
+#include "DirectoryName.h"
+#include "Folders.h"
+#include "FtpControlTab.h"
+#include "JobUi.h"
+#include "Settings.h"
+#include "cFTP.h"
+#include "frmMain.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <cstdlib>
+
+namespace {
+
+// The main window's field behind each member of SettingValue, with its key.
+struct Binding
+{
+    QLineEdit *(frmMain::*field)() const;
+    const char *key;
+};
+constexpr std::array<Binding, 8> Bindings = {{
+    {nullptr, nullptr},
+    {&frmMain::txtServer, "Server"},
+    {&frmMain::txtWebSite, "WebPage"},
+    {&frmMain::txtUser, "User"},
+    {&frmMain::txtPassword, "Password"},
+    {&frmMain::txtEmailID, "EmailID"},
+    {&frmMain::txtDefaultAuthor, "Author"},
+    {&frmMain::ClientRoot, "ClientRoot"},
+}};
+
+} // namespace
+
+StartupPage::StartupPage(frmMain &window, FtpControlTab &tab, QWidget *parent)
+    : QDialog(parent), m_window(window), m_tab(tab), m_ftp(tab.ftp())
+{
+    setObjectName(QStringLiteral("StartupPage"));
+    setWindowTitle(QStringLiteral("Tarnwick"));
+    setModal(true);
+
+    m_label3 = new QLabel(QStringLiteral("Configuration Settings"), this);
+    m_label3->setObjectName(QStringLiteral("Label3"));
+    QFont titleFont = m_label3->font();
+    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.5);
+    titleFont.setBold(true);
+    m_label3->setFont(titleFont);
+
+    const QStringList labels = {
+        QString(),
+        tr("FTP Server Name (from your web space provider):"),
+        tr("Web Site Address (such as www.example.com):"),
+        QStringLiteral("User or ID Name:"),
+        QStringLiteral("FTP Password:"),
+        QStringLiteral("Email Address (to receive Web responses)"),
+        QStringLiteral("User Name (to appears as the author)"),
+        QStringLiteral("Special Directory Given to You by The Administrator (Rarely used)"),
+    };
+    auto *form = new QFormLayout;
+    form->setRowWrapPolicy(QFormLayout::WrapAllRows);
+    for (int i = 1; i <= 7; ++i) {
+        m_values[i] = new QLineEdit(this);
+        m_values[i]->setObjectName(QStringLiteral("SettingValue_%1").arg(i));
+        m_values[i]->setMinimumWidth(380);
+        form->addRow(labels[i], m_values[i]);
+        // Enter moves on to the next field.
+        connect(m_values[i], &QLineEdit::returnPressed, this, [this, i] {
+            if (i < 7)
+                m_values[i + 1]->setFocus();
+            else
+                m_testButton->setFocus();
+        });
+    }
+    m_values[4]->setEchoMode(QLineEdit::Password);
+
+    m_label4 = new QLabel(this);
+    m_label4->setObjectName(QStringLiteral("Label4"));
+    m_label4->setMinimumHeight(m_label4->fontMetrics().height() * 2);
+    m_label4->setWordWrap(true);
+
+    m_testButton = new QPushButton(QStringLiteral("Test Connection"), this);
+    m_testButton->setObjectName(QStringLiteral("TestConnectButton"));
+    m_okButton = new QPushButton(QStringLiteral("OK"), this);
+    m_okButton->setObjectName(QStringLiteral("Command1"));
+    m_helpButton = new QPushButton(tr("Help"), this);
+    m_helpButton->setObjectName(QStringLiteral("HelpButton"));
+    m_testButton->setAutoDefault(false);
+    m_okButton->setAutoDefault(false);
+    m_helpButton->setAutoDefault(false);
+
+    auto *buttons = new QHBoxLayout;
+    buttons->addWidget(m_helpButton);
+    buttons->addStretch(1);
+    buttons->addWidget(m_testButton);
+    buttons->addWidget(m_okButton);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(m_label3);
+    layout->addLayout(form);
+    layout->addWidget(m_label4);
+    layout->addLayout(buttons);
+
+    m_timer1 = new QTimer(this);
+    m_timer1->setObjectName(QStringLiteral("Timer1"));
+    m_timer1->setInterval(1000);
+    connect(m_timer1, &QTimer::timeout, this, &StartupPage::Timer1_Timer);
+
+    connect(m_testButton, &QPushButton::clicked, this, &StartupPage::TestConnectButton_Click);
+    connect(m_okButton, &QPushButton::clicked, this, &StartupPage::Command1_Click);
+    connect(m_helpButton, &QPushButton::clicked, this, [this] { m_window.HelpButton_Click(); });
+
+    m_programEnd = [] { std::exit(0); };
+}
+
+QLineEdit *StartupPage::SettingValue(int index) const
+{
+    return index >= 1 && index <= 7 ? m_values[index] : nullptr;
+}
+
+void StartupPage::setProgramEnd(std::function<void()> end)
+{
+    m_programEnd = std::move(end);
+}
+
+void StartupPage::Load()
+{
+    for (int i = 1; i <= 7; ++i)
+        m_values[i]->setText((m_window.*Bindings[i].field)()->text());
+    m_label4->clear();
+    m_values[1]->setFocus();
+    m_timer1->start();
+}
+
+void StartupPage::PromptForSetup()
+{
+    Load();
+    exec();
+    m_timer1->stop();
+}
+
+void StartupPage::Timer1_Timer()
+{
+    if (isVisible())
+        raise();
+}
+
+void StartupPage::TestConnectButton_Click()
+{
+    JobUi &ui = m_tab.jobUi();
+    m_label4->setText(QStringLiteral("Checking for connection."));
+    QCoreApplication::processEvents();
+    m_timer1->stop();
+
+    if (m_ftp.OpenConnection(m_values[1]->text(), m_values[3]->text(), m_values[4]->text())) {
+        const QString server = m_values[1]->text().trimmed();
+        const QString user = m_values[3]->text().trimmed();
+        m_window.txtServer()->setText(server);
+        m_window.txtUser()->setText(user);
+        SaveSetting(QStringLiteral("Server"), server);
+        SaveSetting(QStringLiteral("User"), user);
+        m_window.txtPassword()->setText(m_values[4]->text().trimmed());
+        m_ftp.SetFTPDirectory(QStringLiteral("/"));
+        m_label4->setText(QStringLiteral("Connection was successful. Looking for configuration."));
+        QCoreApplication::processEvents();
+        if (m_tab.SearchForRoot(true, m_label4)) {
+            ui.Message(QStringLiteral("Connection was successful! You are ready to proceed."),
+                       QStringLiteral("Tarnwick"));
+        } else {
+            ui.Message(QStringLiteral("Connection was successful! However, the configuration of "
+                                      "your root direct was unsuccessful. Go to the 'Standard FTP "
+                                      "& Control' screen and follow the instruction under "
+                                      "Advance Settings."),
+                       QStringLiteral("Tarnwick"), JobUi::Buttons::Ok, JobUi::Icon::Warning);
+        }
+    } else {
+        ui.Message(QStringLiteral("Connection was unsuccessful! Verify the Server name, user ID "
+                                  "and password"),
+                   QStringLiteral("Tarnwick"), JobUi::Buttons::Ok, JobUi::Icon::Warning);
+    }
+    m_label4->clear();
+    m_ftp.CloseConnection();
+    m_timer1->start();
+}
+
+void StartupPage::Command1_Click()
+{
+    for (int i = 1; i <= 5; ++i) {
+        if (m_values[i]->text().trimmed().isEmpty()) {
+            m_values[i]->setFocus();
+            return;
+        }
+    }
+    for (int i = 1; i <= 6; ++i) {
+        const QString value = m_values[i]->text().trimmed();
+        (m_window.*Bindings[i].field)()->setText(value);
+        SaveSetting(QString::fromLatin1(Bindings[i].key), value);
+    }
+    SaveSetting(QStringLiteral("entry"), QStringLiteral("5"));
+    SaveSetting(QStringLiteral("TempPath"), QDir::cleanPath(Folders::HomeFolder()));
+    SaveSetting(QStringLiteral("CopyPath"),
+                Folders::FindSystemFolder(Folders::SystemFolder::Documents));
+    SaveSetting(QStringLiteral("Compression"), QStringLiteral("1"));
+
+    const QString clientRoot = CleanDirectoryName(m_values[7]->text());
+    SaveSetting(QStringLiteral("ClientRoot"), clientRoot);
+    m_window.ClientRoot()->setText(clientRoot);
+    m_values[7]->setText(clientRoot);
+    accept();
+}
+
+void StartupPage::closeEvent(QCloseEvent *event)
+{
+    for (int i = 1; i <= 6; ++i) {
+        if (m_values[i]->text().isEmpty()) {
+            event->accept();
+            m_programEnd();
+            return;
+        }
+    }
+    QDialog::closeEvent(event);
+}
+
+void StartupPage::keyPressEvent(QKeyEvent *event)
+{
+    // Escape is the close box: with a blank required field it ends the program.
+    if (event->key() == Qt::Key_Escape) {
+        close();
+        return;
+    }
+    QDialog::keyPressEvent(event);
+}

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QDialog>
+
+#include <array>
+#include <functional>
+
+class FtpControlTab;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QTimer;
+class cFTP;
+class frmMain;
+
+// The Configuration page, titled "Tarnwick": the one form a new user must answer. It takes the
+// account of the web space and the user's identity, tests them against the server and finds
+// the web root there and then (the root search of the FTP tab, in its quiet form).
+//
+// SettingValue_1..7: server, web site address, user, password, e-mail address (all required),
+// author and the special directory (ClientRoot). OK (Command1) writes them all; closing the page
+// with any of the first six blank ends the program.
+class StartupPage final : public QDialog
+{
+    Q_OBJECT
+public:
+    StartupPage(frmMain &window, FtpControlTab &tab, QWidget *parent = nullptr);
+
+    // Copies the main window's fields into the page, shows it and returns when it is answered.
+    void PromptForSetup();
+
+    void Load();
+    void TestConnectButton_Click();
+    void Command1_Click();
+
+    QLineEdit *SettingValue(int index) const;
+    QLabel *Label4() const { return m_label4; }
+
+    // What closing the page with a blank required field does; ends the program by default.
+    void setProgramEnd(std::function<void()> end);
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void Timer1_Timer();
+
+    frmMain &m_window;
+    FtpControlTab &m_tab;
+    cFTP &m_ftp;
+    std::array<QLineEdit *, 8> m_values{}; // 1..7 used
+    QPushButton *m_testButton = nullptr;
+    QPushButton *m_okButton = nullptr;
+    QPushButton *m_helpButton = nullptr;
+    QLabel *m_label3 = nullptr;
+    QLabel *m_label4 = nullptr;
+    QTimer *m_timer1 = nullptr;
+    std::function<void()> m_programEnd;
+};

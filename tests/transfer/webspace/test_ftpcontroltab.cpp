@@ -1,0 +1,509 @@
+#include "FtpControlTab.h"
+#include "Settings.h"
+#include "StepRing.h"
+#include "TestMain.h"
+#include "WebSpaceFixture.h"
+
+#include <QLabel>
+#include <QMimeData>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QStatusBar>
+#include <QTemporaryDir>
+#include <QTreeWidget>
+
+class TestFtpControlTab : public QObject
+{
+    Q_OBJECT
+private:
+    std::unique_ptr<FtpTestServer> m_server;
+    std::unique_ptr<WebSpaceFixture> m_fx;
+    FtpControlTab *m_tab = nullptr;
+
+    QString home(const QString &remote = QString()) const { return m_server->localPath(remote); }
+    QPushButton *button(const char *name) const
+    {
+        return m_tab->findChild<QPushButton *>(QString::fromLatin1(name));
+    }
+    QStringList names() const
+    {
+        QStringList list;
+        for (int i = 0; i < m_tab->lv()->topLevelItemCount(); ++i)
+            list.append(m_tab->lv()->topLevelItem(i)->text(0));
+        return list;
+    }
+    QTreeWidgetItem *row(const QString &name) const
+    {
+        for (int i = 0; i < m_tab->lv()->topLevelItemCount(); ++i) {
+            if (m_tab->lv()->topLevelItem(i)->text(0) == name)
+                return m_tab->lv()->topLevelItem(i);
+        }
+        return nullptr;
+    }
+    void select(const QString &name)
+    {
+        QTreeWidgetItem *item = row(name);
+        QVERIFY2(item, qPrintable(name));
+        m_tab->lv()->clearSelection();
+        m_tab->lv()->setCurrentItem(item);
+        item->setSelected(true);
+    }
+    QString lblDir() const { return m_tab->findChild<QLabel *>(QStringLiteral("lblDir"))->text(); }
+    void connectTab()
+    {
+        m_fx->fillAccount(*m_server);
+        button("cmdConnect")->click();
+        QVERIFY(m_tab->isConnected());
+    }
+
+private slots:
+    void initTestCase()
+    {
+        m_server = std::make_unique<FtpTestServer>();
+        QVERIFY2(m_server->start(), qPrintable(m_server->errorString()));
+    }
+
+    void init()
+    {
+        ClearTemporaryHome();
+        clearFolder(m_server->homePath());
+        writeFile(home("/a.txt"), "0123456789");
+        writeFile(home("/b c.htm"), "<html></html>");
+        QDir().mkpath(home("/sub"));
+        writeFile(home("/sub/inner.txt"), "inner");
+        m_fx = std::make_unique<WebSpaceFixture>();
+        m_tab = new FtpControlTab(*m_fx->window, *m_fx->ftp, m_fx->ui);
+        m_tab->resize(900, 600);
+        m_tab->show();
+    }
+
+    void cleanup()
+    {
+        delete m_tab;
+        m_tab = nullptr;
+        m_fx.reset();
+    }
+
+    void connectListsTheLoginDirectory()
+    {
+        QVERIFY(!button("cmdUpload")->isEnabled());
+        connectTab();
+        QCOMPARE(names().first(), QStringLiteral(".."));
+        QCOMPARE(row("..")->text(1), QString());
+        QCOMPARE(names().size(), 4);
+        QCOMPARE(row("sub")->text(1), QStringLiteral("< Directory >"));
+        QVERIFY(row("sub")->text(2).contains(QStringLiteral(" D ")));
+        QCOMPARE(row("a.txt")->text(1), QStringLiteral("10 bytes"));
+        QVERIFY(!row("a.txt")->text(2).contains(QStringLiteral(" D ")));
+        QVERIFY(!row("a.txt")->text(3).isEmpty());
+        QCOMPARE(lblDir(), QStringLiteral("Current Directory: /"));
+        QCOMPARE(m_fx->window->UploadPath()->text(), QStringLiteral("example.org/"));
+        QVERIFY(m_fx->window->statusBar()->currentMessage().startsWith(
+            QStringLiteral("Connected to ") + m_server->server() +
+            QStringLiteral(" as tarnwick at ")));
+        for (const char *name : {"cmdDownload", "cmdUpload", "cmdRename", "cmdRefresh",
+                                 "cmdDeleteAll", "cmdDelete", "cmdCreateDir", "UpDirButton",
+                                 "RefreshButton", "MakeFilePointerStdButton", "DelSelectionButton"})
+            QVERIFY2(button(name)->isEnabled(), name);
+        QVERIFY(m_fx->ui.messages.isEmpty());
+    }
+
+    void connectChangesToTheFtpRoot()
+    {
+        m_fx->window->FTPRoot()->setText(QStringLiteral("sub"));
+        connectTab();
+        QCOMPARE(lblDir(), QStringLiteral("Current Directory: /sub"));
+        QCOMPARE(names(), (QStringList{QStringLiteral(".."), QStringLiteral("inner.txt")}));
+        QCOMPARE(m_fx->window->UploadPath()->text(), QStringLiteral("example.org/sub"));
+    }
+
+    void connectMakesTheClientRoot()
+    {
+        m_fx->window->ClientRoot()->setText(QStringLiteral("Ann"));
+        connectTab();
+        QVERIFY(QFileInfo(home("/Ann")).isDir());
+        QCOMPARE(lblDir(), QStringLiteral("Current Directory: /Ann"));
+    }
+
+    void connectFailures_data()
+    {
+        QTest::addColumn<QString>("server");
+        QTest::addColumn<QString>("password");
+        QTest::newRow("wrong password") << QString() << "wrong";
+        QTest::newRow("unknown server") << "no-such-host.invalid" << QString();
+        QTest::newRow("nothing listens") << "127.0.0.1:1" << QString();
+    }
+    void connectFailures()
+    {
+        QFETCH(QString, server);
+        QFETCH(QString, password);
+        m_fx->fillAccount(*m_server);
+        if (!server.isEmpty())
+            m_fx->window->txtServer()->setText(server);
+        if (!password.isEmpty())
+            m_fx->window->txtPassword()->setText(password);
+        button("cmdConnect")->click();
+        QVERIFY(!m_tab->isConnected());
+        QCOMPARE(m_fx->ui.messages.size(), 1);
+        QCOMPARE(m_fx->ui.messages.first().title, QStringLiteral("error"));
+        QVERIFY(!m_fx->ui.messages.first().text.isEmpty());
+        QVERIFY(!button("cmdUpload")->isEnabled());
+        // The program stays usable: the right account connects at once.
+        m_fx->ui.messages.clear();
+        connectTab();
+        QVERIFY(m_fx->ui.messages.isEmpty());
+    }
+
+    void runWithoutConnectionsDoesNothing()
+    {
+        m_fx->window->RunWithoutMenu()->setChecked(true);
+        m_fx->fillAccount(*m_server);
+        button("cmdConnect")->click();
+        QVERIFY(!m_tab->isConnected());
+        QVERIFY(!m_fx->ftp->IsConnected());
+    }
+
+    void disconnectClearsAndDisables()
+    {
+        connectTab();
+        button("cmdDisconnect")->click();
+        QCOMPARE(m_tab->lv()->topLevelItemCount(), 0);
+        QVERIFY(!m_fx->ftp->IsConnected());
+        QVERIFY(!button("cmdDelete")->isEnabled());
+        QCOMPARE(m_fx->window->windowTitle(), QStringLiteral("Tarnwick - Ready to Connect"));
+    }
+
+    void parentRowAtTheTopLeavesTheList()
+    {
+        connectTab();
+        const QStringList before = names();
+        m_tab->lv_My_DblClick(row(".."));
+        QCOMPARE(lblDir(), QStringLiteral("Current Directory: /"));
+        QCOMPARE(names(), before);
+    }
+
+    void doubleClickEntersAndUpLeaves()
+    {
+        connectTab();
+        m_tab->lv_My_DblClick(row("sub"));
+        QCOMPARE(lblDir(), QStringLiteral("Current Directory: /sub"));
+        QVERIFY(names().contains(QStringLiteral("inner.txt")));
+        button("UpDirButton")->click();
+        QCOMPARE(lblDir(), QStringLiteral("Current Directory: /"));
+        m_tab->lv_My_DblClick(row("sub"));
+        m_tab->lv_My_DblClick(row(".."));
+        QCOMPARE(lblDir(), QStringLiteral("Current Directory: /"));
+    }
+
+    void createDirectory_data()
+    {
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<bool>("made");
+        QTest::newRow("name") << "new dir" << true;
+        QTest::newRow("blank") << "" << false;
+        QTest::newRow("skip") << "!!Skip!!" << false;
+    }
+    void createDirectory()
+    {
+        QFETCH(QString, answer);
+        QFETCH(bool, made);
+        connectTab();
+        m_fx->ui.answerPrompt(answer);
+        button("cmdCreateDir")->click();
+        QCOMPARE(m_fx->ui.prompts.size(), 1);
+        QCOMPARE(m_fx->ui.prompts.first().text,
+                 QStringLiteral("Please enter a name for this directory:"));
+        QCOMPARE(m_fx->ui.prompts.first().mode, QStringLiteral("Hide"));
+        QCOMPARE(QFileInfo(home("/new dir")).isDir(), made);
+        if (made) {
+            QCOMPARE(m_fx->ui.messages.size(), 1);
+            QCOMPARE(m_fx->ui.messages.first().text,
+                     QStringLiteral("Directory new dir was successfully created."));
+            QCOMPARE(row("new dir")->text(1), QStringLiteral("< Directory >"));
+        } else {
+            QVERIFY(m_fx->ui.messages.isEmpty());
+        }
+    }
+
+    void createExistingDirectoryShowsTheServersWord()
+    {
+        connectTab();
+        m_fx->ui.answerPrompt(QStringLiteral("sub"));
+        button("cmdCreateDir")->click();
+        QCOMPARE(m_fx->ui.messages.size(), 1);
+        QCOMPARE(m_fx->ui.messages.first().text, m_fx->ftp->GetLastErrorMessage());
+        QVERIFY(m_fx->ui.messages.first().text.contains(QStringLiteral("550")));
+    }
+
+    void rename()
+    {
+        connectTab();
+        select(QStringLiteral("a.txt"));
+        m_fx->ui.answerPrompt(QStringLiteral("z.txt"));
+        button("cmdRename")->click();
+        QCOMPARE(m_fx->ui.prompts.first().text,
+                 QStringLiteral("Please enter a new name for this file:"));
+        QCOMPARE(m_fx->ui.messages.first().text, QStringLiteral("File was successfully renamed"));
+        QVERIFY(QFileInfo::exists(home("/z.txt")));
+        QVERIFY(!QFileInfo::exists(home("/a.txt")));
+        QVERIFY(row("z.txt"));
+    }
+
+    void renameToTheSameNameIsTheServersCall()
+    {
+        connectTab();
+        select(QStringLiteral("a.txt"));
+        m_fx->ui.answerPrompt(QStringLiteral("a.txt"));
+        button("cmdRename")->click();
+        QCOMPARE(m_fx->ui.messages.size(), 1);
+        // pyftpdlib renames a file onto itself without complaint.
+        QCOMPARE(m_fx->ui.messages.first().text, QStringLiteral("File was successfully renamed"));
+        QCOMPARE(readFile(home("/a.txt")), QByteArray("0123456789"));
+    }
+
+    void renameCancelled()
+    {
+        connectTab();
+        select(QStringLiteral("a.txt"));
+        m_fx->ui.answerPrompt(JobState::Skip);
+        button("cmdRename")->click();
+        QVERIFY(m_fx->ui.messages.isEmpty());
+        QVERIFY(QFileInfo::exists(home("/a.txt")));
+    }
+
+    void deleteAsksFirst()
+    {
+        connectTab();
+        select(QStringLiteral("a.txt"));
+        m_fx->ui.answerMessage(JobUi::Answer::No);
+        button("cmdDelete")->click();
+        QCOMPARE(m_fx->ui.messages.first().text,
+                 QStringLiteral("Are you sure you want to delete a.txt?"));
+        QCOMPARE(m_fx->ui.messages.first().title, QStringLiteral("Delete?"));
+        QVERIFY(QFileInfo::exists(home("/a.txt")));
+        m_fx->ui.answerMessage(JobUi::Answer::Yes);
+        button("cmdDelete")->click();
+        QVERIFY(!QFileInfo::exists(home("/a.txt")));
+        QVERIFY(!row("a.txt"));
+    }
+
+    void deleteFullDirectoryFails()
+    {
+        connectTab();
+        select(QStringLiteral("sub"));
+        m_fx->ui.answerMessage(JobUi::Answer::Yes);
+        button("cmdDelete")->click();
+        QCOMPARE(m_fx->ui.messages.size(), 2);
+        QCOMPARE(m_fx->ui.messages.at(1).text, m_fx->ftp->GetLastErrorMessage());
+        QVERIFY(QFileInfo(home("/sub")).isDir());
+        QVERIFY(row("sub"));
+    }
+
+    void deleteAllLeavesFullDirectories()
+    {
+        QDir().mkpath(home("/empty"));
+        QDir().mkpath(home("/full2"));
+        writeFile(home("/full2/x"), "x");
+        connectTab();
+        button("cmdDeleteAll")->click();
+        QCOMPARE(
+            m_fx->ui.messages.first().text,
+            QStringLiteral("Are you sure you want to delete all of the items in this directory?"));
+        // One message for each directory that isn't empty.
+        QCOMPARE(m_fx->ui.messages.size(), 3);
+        QCOMPARE(names(), (QStringList{QStringLiteral(".."), QStringLiteral("full2"),
+                                       QStringLiteral("sub")}));
+        QVERIFY(!QFileInfo::exists(home("/a.txt")));
+        QVERIFY(!QFileInfo::exists(home("/empty")));
+    }
+
+    void deleteSelection()
+    {
+        connectTab();
+        m_tab->lv()->clearSelection();
+        row("a.txt")->setSelected(true);
+        row("b c.htm")->setSelected(true);
+        button("DelSelectionButton")->click();
+        QCOMPARE(m_fx->ui.messages.size(), 1);
+        QVERIFY(!QFileInfo::exists(home("/a.txt")));
+        QVERIFY(!QFileInfo::exists(home("/b c.htm")));
+        QVERIFY(QFileInfo::exists(home("/sub")));
+    }
+
+    void pointerOfAFileWithBlanks()
+    {
+        connectTab();
+        select(QStringLiteral("b c.htm"));
+        button("MakeFilePointerStdButton")->click();
+        QVERIFY(m_fx->ui.clipboard);
+        QCOMPARE(m_fx->ui.clipboard->text(), QStringLiteral("http://example.org/b%20c.htm"));
+    }
+
+    void pointerLeavesTheFtpRootOut()
+    {
+        QDir().mkpath(home("/public_html/docs"));
+        writeFile(home("/public_html/docs/my file.pdf"), "pdf");
+        m_fx->window->FTPRoot()->setText(QStringLiteral("public_html"));
+        connectTab();
+        m_tab->lv_My_DblClick(row("docs"));
+        select(QStringLiteral("my file.pdf"));
+        button("MakeFilePointerStdButton")->click();
+        QCOMPARE(m_fx->ui.clipboard->text(),
+                 QStringLiteral("http://example.org/docs/my%20file.pdf"));
+    }
+
+    void pointerNeedsAFile()
+    {
+        connectTab();
+        select(QStringLiteral(".."));
+        button("MakeFilePointerStdButton")->click();
+        QVERIFY(!m_fx->ui.clipboard);
+    }
+
+    void downloadAsksBeforeOverwriting()
+    {
+        QTemporaryDir local;
+        const QString target = local.filePath(QStringLiteral("a.txt"));
+        writeFile(target, "old");
+        connectTab();
+        m_tab->setDownloadPathChooser([&](const QString &name) {
+            return name == QLatin1String("a.txt") ? target : QString();
+        });
+        select(QStringLiteral("a.txt"));
+        m_fx->ui.answerMessage(JobUi::Answer::No);
+        button("cmdDownload")->click();
+        QCOMPARE(m_fx->ui.messages.first().text,
+                 QStringLiteral("This file exist do you want to over write it?"));
+        QCOMPARE(m_fx->ui.messages.first().title, QStringLiteral("Need to know.."));
+        QCOMPARE(readFile(target), QByteArray("old"));
+        m_fx->ui.answerMessage(JobUi::Answer::Yes);
+        button("cmdDownload")->click();
+        QCOMPARE(readFile(target), QByteArray("0123456789"));
+    }
+
+    void doubleClickOnAFileDownloadsIt()
+    {
+        QTemporaryDir local;
+        const QString target = local.filePath(QStringLiteral("copy.txt"));
+        connectTab();
+        m_tab->setDownloadPathChooser([&](const QString &) { return target; });
+        select(QStringLiteral("a.txt"));
+        m_tab->lv_My_DblClick(row("a.txt"));
+        QCOMPARE(readFile(target), QByteArray("0123456789"));
+        QVERIFY(m_fx->ui.messages.isEmpty());
+    }
+
+    void uploadFolderMakesItsDirectories()
+    {
+        QTemporaryDir local;
+        writeFile(local.filePath(QStringLiteral("Pics/one.jpg")), "one");
+        writeFile(local.filePath(QStringLiteral("Pics/deep er/two.txt")), "two");
+        connectTab();
+        m_tab->uploadFiles(local.path(), {local.filePath(QStringLiteral("Pics/one.jpg")),
+                                          local.filePath(QStringLiteral("Pics/deep er/two.txt"))});
+        QCOMPARE(readFile(home("/Pics/one.jpg")), QByteArray("one"));
+        QCOMPARE(readFile(home("/Pics/deep er/two.txt")), QByteArray("two"));
+        QCOMPARE(lblDir(), QStringLiteral("Current Directory: /"));
+        QVERIFY(row("Pics"));
+        QVERIFY(m_fx->ui.statusTexts.contains(QStringLiteral("Collecting Files and Information")));
+        QVERIFY(m_fx->ui.statusTexts.contains(QStringLiteral("Creating Directories")));
+        QVERIFY(m_fx->ui.statusTexts.contains(QStringLiteral("Sending files")));
+    }
+
+    void uploadIntoTheCurrentDirectory()
+    {
+        QTemporaryDir local;
+        writeFile(local.filePath(QStringLiteral("note.txt")), "note");
+        connectTab();
+        m_tab->lv_My_DblClick(row("sub"));
+        m_tab->uploadFiles(local.path(), {local.filePath(QStringLiteral("note.txt"))});
+        QCOMPARE(readFile(home("/sub/note.txt")), QByteArray("note"));
+        QCOMPARE(lblDir(), QStringLiteral("Current Directory: /sub"));
+    }
+
+    void fieldsWriteTheirKeysAsTyped()
+    {
+        const QList<QPair<QLineEdit *, QString>> fields = {
+            {m_fx->window->txtServer(), QStringLiteral("Server")},
+            {m_fx->window->txtWebSite(), QStringLiteral("WebPage")},
+            {m_fx->window->txtUser(), QStringLiteral("User")},
+            {m_fx->window->txtPassword(), QStringLiteral("Password")},
+            {m_fx->window->txtEmailID(), QStringLiteral("EmailID")},
+            {m_fx->window->txtDefaultAuthor(), QStringLiteral("Author")},
+            {m_fx->window->WebRoot(), QStringLiteral("WebRoot")},
+            {m_fx->window->FTPRoot(), QStringLiteral("FTPRoot")},
+        };
+        for (const auto &[field, key] : fields) {
+            field->clear();
+            QTest::keyClicks(field, QStringLiteral("ab"));
+            QCOMPARE(GetSetting(key), QStringLiteral("ab"));
+        }
+    }
+
+    void clientRootIsCleanedWhenLeft()
+    {
+        QLineEdit *field = m_fx->window->ClientRoot();
+        SaveSetting(QStringLiteral("ClientRoot"), QString());
+        QTest::keyClicks(field, QStringLiteral("my.dir/Ann"));
+        QCOMPARE(GetSetting(QStringLiteral("ClientRoot")), QString());
+        QFocusEvent leave(QEvent::FocusOut, Qt::TabFocusReason);
+        QCoreApplication::sendEvent(field, &leave);
+        QCOMPARE(field->text(), QStringLiteral("mydirAnn"));
+        QCOMPARE(GetSetting(QStringLiteral("ClientRoot")), QStringLiteral("mydirAnn"));
+    }
+
+    void transferOptionsHoldForTheSession()
+    {
+        connectTab();
+        m_tab->findChild<QRadioButton *>(QStringLiteral("optAscii"))->click();
+        QCOMPARE(m_fx->ftp->TransferType(), cFTP::FTP_TRANSFER_TYPE_ASCII);
+        m_tab->findChild<QRadioButton *>(QStringLiteral("optBin"))->click();
+        QCOMPARE(m_fx->ftp->TransferType(), cFTP::FTP_TRANSFER_TYPE_BINARY);
+        m_tab->findChild<QRadioButton *>(QStringLiteral("optActive_1"))->click();
+        QCOMPARE(m_fx->ftp->PassiveFlag(), cFTP::INTERNET_FLAG_PASSIVE);
+        m_tab->findChild<QRadioButton *>(QStringLiteral("optActive_0"))->click();
+        QCOMPARE(m_fx->ftp->PassiveFlag(), quint32(0));
+        QVERIFY(!HasSetting(QStringLiteral("optAscii")));
+    }
+
+    void advancedFrameShowsAndHides()
+    {
+        QVERIFY(!m_tab->AdvanceSettingFrame()->isVisible());
+        button("AdvanceSettingFrameButton")->click();
+        QVERIFY(m_tab->AdvanceSettingFrame()->isVisible());
+        m_tab->findChild<QPushButton *>(QStringLiteral("AdvanceSettingFrameDoneButton"))->click();
+        QVERIFY(!m_tab->AdvanceSettingFrame()->isVisible());
+    }
+
+    void stepRings()
+    {
+        m_fx->window->HighLightSteps()->setChecked(true);
+        connectTab();
+        QVERIFY(m_fx->window->ring(16)->isShown());
+        QVERIFY(!m_fx->window->ring(14)->isShown());
+        button("cmdDisconnect")->click();
+        QVERIFY(m_fx->window->ring(14)->isShown());
+        QVERIFY(m_fx->window->ring(16)->isShown());
+    }
+
+    void dosListing()
+    {
+        FtpTestServer::Options options;
+        options.faults = {QStringLiteral("dos-listing")};
+        FtpTestServer dos(options);
+        QVERIFY2(dos.start(), qPrintable(dos.errorString()));
+        writeFile(dos.localPath(QStringLiteral("/Index.htm")), "<html>");
+        QDir().mkpath(dos.localPath(QStringLiteral("/My Pictures")));
+        m_fx->fillAccount(dos);
+        button("cmdConnect")->click();
+        QVERIFY(m_tab->isConnected());
+        QCOMPARE(names().size(), 3);
+        QCOMPARE(row("My Pictures")->text(1), QStringLiteral("< Directory >"));
+        QCOMPARE(row("Index.htm")->text(1), QStringLiteral("6 bytes"));
+        m_tab->lv_My_DblClick(row("My Pictures"));
+        QCOMPARE(lblDir(), QStringLiteral("Current Directory: /My Pictures"));
+    }
+};
+
+TARNWICK_TEST_MAIN(TestFtpControlTab)
+#include "test_ftpcontroltab.moc"
