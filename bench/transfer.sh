@@ -1,0 +1,86 @@
+#!/bin/bash
+# Transfer benchmark: Tarnwick's upload path against curl, both against one local pyftpdlib
+# server in one run. Prints the numbers that bench/README.md records.
+#
+#   bench/transfer.sh [BUILD_DIR]      (default: build; the bench program must be built:
+#                                       cmake --build BUILD_DIR --target tarnwick_transfer_bench)
+set -euo pipefail
+
+here=$(cd "$(dirname "$0")" && pwd)
+source_dir=$(dirname "$here")
+build=${1:-$source_dir/build}
+bench="$build/bin/tarnwick_transfer_bench"
+[ -x "$bench" ] || { echo "build $bench first (cmake --build $build --target tarnwick_transfer_bench)"; exit 1; }
+
+work=$(mktemp -d "${TMPDIR:-/tmp}/tarnwick-bench-XXXXXX")
+server_pid=
+cleanup() {
+    [ -n "$server_pid" ] && kill "$server_pid" 2>/dev/null || true
+    rm -rf "$work"
+}
+trap cleanup EXIT
+
+mkdir -p "$work/home" "$work/small"
+/usr/bin/python3 "$source_dir/tests/common/ftp/ftpserver.py" --home "$work/home" \
+    --user bench --password bench > "$work/server.out" 2>&1 &
+server_pid=$!
+for _ in $(seq 100); do grep -q '^PORT ' "$work/server.out" && break; sleep 0.1; done
+port=$(awk '/^PORT /{print $2}' "$work/server.out")
+[ -n "$port" ] || { cat "$work/server.out"; exit 1; }
+server=127.0.0.1:$port
+url=ftp://$server
+
+now() { date +%s.%N; }
+calc() { awk "BEGIN { print $1 }"; }
+elapsed() { calc "$2 - $1"; }
+best() { printf '%s\n' "$@" | sort -g | head -1; }
+median() { printf '%s\n' "$@" | sort -g | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
+
+export QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen}
+
+echo "== one file of 500 MB"
+head -c $((500 * 1024 * 1024)) /dev/urandom > "$work/big.bin"
+curl_runs=(); ours_runs=()
+for run in 1 2 3 4 5; do
+    rm -f "$work/home/big.bin"
+    t0=$(now); curl -s -S -u bench:bench -T "$work/big.bin" "$url/big.bin"; t1=$(now)
+    curl_runs+=("$(elapsed "$t0" "$t1")")
+    cmp -s "$work/big.bin" "$work/home/big.bin" || { echo "curl copy differs"; exit 1; }
+    rm -f "$work/home/big.bin"
+    line=$("$bench" "$server" bench bench one "$work/big.bin" 2>/dev/null)
+    ours_runs+=("$(sed -n 's/.*seconds=\([0-9.]*\).*/\1/p' <<<"$line")")
+    cmp -s "$work/big.bin" "$work/home/big.bin" || { echo "Tarnwick copy differs"; exit 1; }
+    echo "run $run: curl -T ${curl_runs[-1]} s, UploadFileToFTP ${ours_runs[-1]} s"
+done
+for pick in best median; do
+    c=$($pick "${curl_runs[@]}"); o=$($pick "${ours_runs[@]}")
+    printf '%s: curl -T %.3f s (%.0f MB/s), UploadFileToFTP %.3f s (%.0f MB/s), Tarnwick at %.0f%% of curl\n' \
+        "$pick" "$c" "$(calc "500 / $c")" "$o" "$(calc "500 / $o")" "$(calc "100 * $c / $o")"
+done
+rm -f "$work/big.bin" "$work/home/big.bin"
+
+echo "== 200 files of 50 KB"
+for i in $(seq -w 1 200); do head -c 51200 /dev/urandom > "$work/small/file_$i.bin"; done
+curl_runs=(); ours_runs=()
+for run in 1 2 3 4 5; do
+    rm -f "$work/home/"file_*.bin
+    t0=$(now)
+    for f in "$work/small/"*.bin; do curl -s -S -u bench:bench -T "$f" "$url/$(basename "$f")"; done
+    t1=$(now)
+    curl_runs+=("$(elapsed "$t0" "$t1")")
+    rm -f "$work/home/"file_*.bin
+    line=$("$bench" "$server" bench bench many "$work/small" 2>/dev/null)
+    ours_runs+=("$(sed -n 's/.*seconds=\([0-9.]*\).*/\1/p' <<<"$line")")
+    [ "$(ls "$work/home/" | grep -c '^file_')" = 200 ] || { echo "not all files arrived"; exit 1; }
+    echo "run $run: curl -T per file ${curl_runs[-1]} s, UploadFileToFTP ${ours_runs[-1]} s"
+done
+for pick in best median; do
+    c=$($pick "${curl_runs[@]}"); o=$($pick "${ours_runs[@]}")
+    printf '%s: curl -T per file %.3f s, UploadFileToFTP %.3f s, Tarnwick takes %.2fx the time of curl\n' \
+        "$pick" "$c" "$o" "$(calc "$o / $c")"
+done
+
+echo "== 1 GB with the progress dialog on screen, cancelled half way"
+head -c $((1024 * 1024 * 1024)) /dev/zero > "$work/huge.bin"
+"$bench" "$server" bench bench live "$work/huge.bin" 2>/dev/null
+ls "$work/home" | grep -q '^huge.bin$' && echo "a file named huge.bin was left on the server" || echo "no huge.bin on the server after the cancel"
