@@ -11,7 +11,7 @@ bool turnsQuarter(QImageIOHandler::Transformations transformation)
 
 } // namespace
 
-QImage LoadPicture(const QString &path)
+QImage ReadPicture(const QString &path)
 {
     if (path.isEmpty())
         return QImage();
@@ -21,7 +21,7 @@ QImage LoadPicture(const QString &path)
     return reader.read();
 }
 
-QSize PictureSize(const QString &path)
+QSize ReadPictureSize(const QString &path)
 {
     if (path.isEmpty())
         return QSize();
@@ -33,7 +33,7 @@ QSize PictureSize(const QString &path)
     return turnsQuarter(reader.transformation()) ? raw.transposed() : raw;
 }
 
-QImage LoadPictureScaled(const QString &path, const QSize &size)
+QImage ReadPictureScaled(const QString &path, const QSize &size)
 {
     if (path.isEmpty() || !size.isValid() || size.isEmpty())
         return QImage();

@@ -9,12 +9,12 @@
 // image (or an invalid size); nothing is reported.
 
 // The whole picture.
-QImage LoadPicture(const QString &path);
+QImage ReadPicture(const QString &path);
 
 // The picture's upright size, read from its header without decoding the picture.
-QSize PictureSize(const QString &path);
+QSize ReadPictureSize(const QString &path);
 
 // The picture decoded at size (upright; the caller keeps the picture's ratio). A JPEG is
 // decoded at the smaller size directly, which is far quicker for a preview of a large photo. A
 // size larger than the picture gives the picture at its own size.
-QImage LoadPictureScaled(const QString &path, const QSize &size);
+QImage ReadPictureScaled(const QString &path, const QSize &size);

@@ -320,7 +320,7 @@ void frmDialogPg::File1_Click(const QModelIndex &index)
     const QString path = m_files->filePath(index.row());
     // Image5 stands for the picture at its natural size; only its size is needed, so the
     // picture itself is decoded once, at the size of the preview.
-    const QSize natural = PictureSize(path);
+    const QSize natural = ReadPictureSize(path);
     m_image5->resize(natural.isValid() ? natural : QSize(0, 0));
     if (!natural.isValid() || m_image5->height() <= 0)
         return;
@@ -337,7 +337,7 @@ void frmDialogPg::File1_Click(const QModelIndex &index)
     const double spare = frameWidth - width;
     const int left = spare > 0 ? int(std::lround(spare / 2)) : 0;
     const QSize size(std::max(1, int(std::lround(width))), std::max(1, int(std::lround(height))));
-    const QImage picture = LoadPictureScaled(path, size);
+    const QImage picture = ReadPictureScaled(path, size);
     if (picture.isNull())
         return;
     m_image2->setGeometry(left, 0, size.width(), size.height());

@@ -37,7 +37,7 @@ frmZoom::frmZoom(const QString &ZoomPicturePath, double ZoomPictureRatio, QWidge
     m_image1->installEventFilter(this);
     m_image1->setToolTip(QStringLiteral("Double click to open the picture in the paint window"));
 
-    m_picture = LoadPicture(m_path);
+    m_picture = ReadPicture(m_path);
     if (!m_picture.isNull()) {
         m_image1->setPixmap(QPixmap::fromImage(m_picture));
         if (!(m_ratio > 0) && m_picture.height() > 0)

@@ -46,8 +46,8 @@ private slots:
     {
         QFETCH(QString, name);
         QFETCH(QSize, size);
-        QCOMPARE(PictureSize(m_dir.filePath(name)), size);
-        const QImage picture = LoadPicture(m_dir.filePath(name));
+        QCOMPARE(ReadPictureSize(m_dir.filePath(name)), size);
+        const QImage picture = ReadPicture(m_dir.filePath(name));
         QCOMPARE(picture.isNull(), !size.isValid());
         if (size.isValid())
             QCOMPARE(picture.size(), size);
@@ -55,9 +55,9 @@ private slots:
 
     void wholePictureUpright()
     {
-        QVERIFY(redLeft(LoadPicture(m_dir.filePath(QStringLiteral("plain.jpg")))));
-        QVERIFY(redAbove(LoadPicture(m_dir.filePath(QStringLiteral("turned.jpg")))));
-        const QImage upside = LoadPicture(m_dir.filePath(QStringLiteral("upside.jpg")));
+        QVERIFY(redLeft(ReadPicture(m_dir.filePath(QStringLiteral("plain.jpg")))));
+        QVERIFY(redAbove(ReadPicture(m_dir.filePath(QStringLiteral("turned.jpg")))));
+        const QImage upside = ReadPicture(m_dir.filePath(QStringLiteral("upside.jpg")));
         QVERIFY(redLeft(upside.mirrored(true, false)));
     }
 
@@ -77,7 +77,7 @@ private slots:
         QFETCH(QString, name);
         QFETCH(QSize, wanted);
         QFETCH(QSize, expected);
-        const QImage image = LoadPictureScaled(m_dir.filePath(name), wanted);
+        const QImage image = ReadPictureScaled(m_dir.filePath(name), wanted);
         QCOMPARE(image.isNull(), !expected.isValid());
         if (expected.isValid())
             QCOMPARE(image.size(), expected);
