@@ -4,6 +4,7 @@
 #include "GuiJobUi.h"
 #include "HelpWindow.h"
 #include "JobState.h"
+#include "PhotoFrameInstall.h"
 #include "Settings.h"
 #include "TestMain.h"
 #include "frmInputBox.h"
@@ -45,6 +46,7 @@ int main(int argc, char *argv[])
     SaveSetting(QStringLiteral("entry"), QStringLiteral("5"));
     SaveSetting(QStringLiteral("WebPage"), QStringLiteral("http://www.example.org"));
     frmMain window;
+    InstallPhotoFrame(window);
     window.Load();
     window.setGeometry(QGuiApplication::primaryScreen()->availableGeometry());
     window.show();
@@ -52,8 +54,8 @@ int main(int argc, char *argv[])
 
     bool ok = shoot(QStringLiteral("start-screen.png"));
 
-    window.FunctionSelectButton_Click(2);
-    ok = shoot(QStringLiteral("send-a-file.png")) && ok;
+    window.FunctionSelectButton_Click(0);
+    ok = shoot(QStringLiteral("send-a-photo-page.png")) && ok;
     window.unloadInstructionForms();
 
     window.showProgressFrame(true);
