@@ -41,6 +41,24 @@ QString TransferEngine::TemporaryName(const QString &fileName)
     return fileName + QStringLiteral(".tarnwick-part");
 }
 
+bool TransferEngine::SessionDelete(const QString &server, const QString &user,
+                                   const QString &password, const QString &directory,
+                                   const QString &name, int maxWaitMs)
+{
+    const FtpAddress address = FtpAddress::fromServerField(server);
+    if (!address.valid || name.isEmpty() || name.contains(QLatin1Char('\n')) ||
+        name.contains(QLatin1Char('\r')) || directory.contains(QLatin1Char('\n')) ||
+        directory.contains(QLatin1Char('\r')))
+        return false;
+    FtpConnection session(address, user, password);
+    FtpConnection::Request request;
+    request.quote = {QStringLiteral("CWD ") + directory, QStringLiteral("*DELE ") + name};
+    request.maxWaitMs = maxWaitMs;
+    const bool done = session.perform(request).ok() && session.lastReply().code < 400;
+    session.close();
+    return done;
+}
+
 std::function<bool()> TransferEngine::cancelWatch() const
 {
     JobState *state = &m_state;

@@ -47,6 +47,11 @@ public:
     // The temporary name an upload of fileName travels under.
     static QString TemporaryName(const QString &fileName);
 
+    // Deletes directory/name in a session of its own, waiting maxWaitMs at most and not
+    // stopped by a cancel: the tidying after a cancelled upload. Shows nothing.
+    static bool SessionDelete(const QString &server, const QString &user, const QString &password,
+                              const QString &directory, const QString &name, int maxWaitMs);
+
     double FileTotal = 0;
     double BytesSent = 0;
     double BytesReceived = 0;

@@ -14,6 +14,8 @@
 namespace {
 
 constexpr int Attempts = 3;
+// How long the tidying after a cancel may take at most.
+constexpr int CancelTidyMs = 1500;
 
 QString nameOf(const QString &path)
 {
@@ -70,9 +72,18 @@ bool UploadFileToFTP(TransferContext &context, const QString &localPath)
         if (!sent && (engine.LastWasCancelled || context.state.skipped()))
             break;
     }
-    // The temporary copy of a failed send is removed where the server still answers.
-    if (!sent && !engine.LastWasCancelled && !context.state.skipped())
-        context.ftp.DeleteFTPFile(TransferEngine::TemporaryName(name));
+    // The temporary copy of a failed send is removed where the server still answers; after a
+    // cancel the user is not kept waiting long for that.
+    if (!sent) {
+        const QString temporary = TransferEngine::TemporaryName(name);
+        if (engine.LastWasCancelled || context.state.skipped()) {
+            const FtpAccount account = context.window.account();
+            TransferEngine::SessionDelete(account.server, account.user, account.password, directory,
+                                          temporary, CancelTidyMs);
+        } else {
+            context.ftp.DeleteFTPFile(temporary);
+        }
+    }
     context.progress.UnloadProgress();
     return sent;
 }

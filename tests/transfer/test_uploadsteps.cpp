@@ -329,6 +329,8 @@ private slots:
         QCOMPARE(server.countCommands(QStringLiteral("STOR")), 1);
         QVERIFY(!QFileInfo::exists(server.localPath(QStringLiteral("first.bin"))));
         QVERIFY(!QFileInfo::exists(server.localPath(QStringLiteral("second.txt"))));
+        // Nor is the temporary copy of the cancelled file left behind.
+        QCOMPARE(QDir(server.homePath()).entryList(QDir::Files), QStringList());
         QVERIFY(!visibleTopLevel<frmErrUpload>());
         // The window's end of the job: disconnecting from the silent server does not hang.
         QElapsedTimer disconnecting;
@@ -355,6 +357,7 @@ private slots:
             job.context, localFile(QStringLiteral("stall.bin"), TestPattern(2 * 1024 * 1024))));
         QVERIFY2(sinceCancel.elapsed() < 2000, qPrintable(QString::number(sinceCancel.elapsed())));
         QCOMPARE(server.countCommands(QStringLiteral("STOR")), 1);
+        QCOMPARE(QDir(server.homePath()).entryList(QDir::Files), QStringList());
     }
 
     void runInBackgroundHidesTheDialog()
