@@ -6,6 +6,7 @@
 #include "JobState.h"
 #include "Settings.h"
 #include "SpellingDictionary.h"
+#include "StartScreenArt.h"
 #include "StepRing.h"
 #include "frmInputBox.h"
 
@@ -41,6 +42,7 @@ frmMain::frmMain(QWidget *parent) : QMainWindow(parent), m_jobUi(std::make_uniqu
 {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("Tarnwick"));
+    setWindowIcon(QIcon(StartScreenArt::WebSpace(64, devicePixelRatioF())));
     resize(1280, 800);
     setMinimumSize(960, 640);
 
