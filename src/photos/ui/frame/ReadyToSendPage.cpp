@@ -68,6 +68,7 @@ ReadyToSendPage::ReadyToSendPage(PhotoPage &page, PhotoFrameServices &services, 
 {
     setObjectName(QStringLiteral("SelectImagesPage"));
     buildWidgets();
+    clearPreview();
 }
 
 void ReadyToSendPage::buildWidgets()
@@ -180,8 +181,9 @@ QWidget *ReadyToSendPage::buildCopyColumn()
     m_currentImage->setMinimumSize(200, 150);
     m_currentImage->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     m_currentImage->setFrameShape(QFrame::StyledPanel);
-    m_currentImage->setStyleSheet(
-        QStringLiteral("#CurrentImage { background: #3c3f41; border-radius: 4px; }"));
+    m_currentImage->setStyleSheet(QStringLiteral(
+        "#CurrentImage { background: #3c3f41; color: #b8bcbf; border-radius: 4px; }"));
+    m_currentImage->setWordWrap(true);
     m_currentImage->installEventFilter(this);
     auto *zoomHint = new QLabel(QStringLiteral("(Double-Click to Zoom) "), column);
     zoomHint->setObjectName(QStringLiteral("Image6"));
@@ -363,6 +365,7 @@ void ReadyToSendPage::showPreview(const QString &path)
 void ReadyToSendPage::clearPreview()
 {
     m_currentImage->clear();
+    m_currentImage->setText(QStringLiteral("Click a picture to see it here"));
     m_previewPath.clear();
 }
 

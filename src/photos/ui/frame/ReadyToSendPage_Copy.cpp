@@ -1,8 +1,8 @@
 #include "ReadyToSendNames.h"
 #include "ReadyToSendPage.h"
-#include "ReadyToSendRotate.h"
 
 #include "Folders.h"
+#include "ImageRotation.h"
 #include "JobUi.h"
 #include "PhotoPage.h"
 #include "Settings.h"
@@ -127,12 +127,10 @@ bool ReadyToSendPage::copyOne(int row, const QString &suffix)
         }
     } else {
         // A failed turn still goes on to the copy; a failed copy leaves the row without a file.
-        const RotateResult turned = suffix == QStringLiteral("_Left")
-                                        ? RotateLeft(sourcePath(plain), sourcePath(name))
-                                        : RotateRight(sourcePath(plain), sourcePath(name));
-        if (turned.unsupportedFormat)
-            m_services.ui->Message(RotateFormatMessage, Tarnwick, JobUi::Buttons::Ok,
-                                   JobUi::Icon::Information);
+        if (suffix == QStringLiteral("_Left"))
+            RotateLeft(sourcePath(plain), sourcePath(name), *m_services.ui);
+        else
+            RotateRight(sourcePath(plain), sourcePath(name), *m_services.ui);
         refreshReady();
         refreshSource();
         replaceFile(sourcePath(name), target);
