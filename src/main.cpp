@@ -1,4 +1,7 @@
+#include "PhotoBuildInstall.h"
 #include "PhotoFrameInstall.h"
+#include "cFTP.h"
+#include "frmAction.h"
 #include "frmMain.h"
 
 #include <QApplication>
@@ -15,6 +18,8 @@ int main(int argc, char *argv[])
     // The window's own close question decides; no window closing behind it ends the program.
     QApplication::setQuitOnLastWindowClosed(false);
 
+    // The window's one FTP session, shared by every job and the FTP tab.
+    cFTP mFTP;
     frmMain window;
     QObject::connect(&window, &frmMain::programEnding, &app, [] {
         const auto windows = QApplication::topLevelWidgets();
@@ -25,7 +30,9 @@ int main(int argc, char *argv[])
         // program ends at once. Settings are written as they change, so nothing is lost.
         QTimer::singleShot(0, [] { std::_Exit(0); });
     });
-    InstallPhotoFrame(window);
+    PhotoFrame *photoFrame = InstallPhotoFrame(window);
+    InstallPhotoBuild(window, *photoFrame, mFTP);
+    frmAction::Install(&window);
     window.Load();
     window.show();
     return QApplication::exec();

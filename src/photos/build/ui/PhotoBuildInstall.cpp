@@ -1,0 +1,326 @@
+#include "PhotoBuildInstall.h"
+
+#include "DialogTransferUi.h"
+#include "GuiJobUi.h"
+#include "HTMLMake.h"
+#include "JobState.h"
+#include "PhotoFrame.h"
+#include "PhotoFrameHistory.h"
+#include "PhotoPage.h"
+#include "ReadyToSendPage.h"
+#include "Settings.h"
+#include "SettingsKeys.h"
+#include "UpdatePhotoPage.h"
+#include "cFTP.h"
+#include "dlgFTP.h"
+#include "frmAction.h"
+#include "frmMain.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QBoxLayout>
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPixmap>
+#include <QPushButton>
+
+namespace {
+
+// The box layout below layout that holds widget.
+QBoxLayout *layoutHolding(QLayout *layout, QWidget *widget)
+{
+    if (!layout)
+        return nullptr;
+    if (layout->indexOf(widget) >= 0)
+        return qobject_cast<QBoxLayout *>(layout);
+    for (int i = 0; i < layout->count(); ++i) {
+        if (QBoxLayout *found = layoutHolding(layout->itemAt(i)->layout(), widget))
+            return found;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+PhotoBuildController::PhotoBuildController(frmMain &window, PhotoFrame &frame, cFTP &ftp)
+    : QObject(&frame), m_window(window), m_frame(frame), m_ftp(ftp),
+      m_progress(std::make_unique<DialogTransferUi>(JobState::instance(), &window))
+{
+    setObjectName(QStringLiteral("PhotoBuildController"));
+    m_buildAll = new QPushButton(QStringLiteral("Tarnwick Build All and send to your site"));
+    frame.installBuildAllButton(m_buildAll);
+    window.placeRing(1, m_buildAll);
+    connect(m_buildAll, &QPushButton::clicked, this, &PhotoBuildController::cmdBuildAll_Click);
+    addHistoryButtons();
+}
+
+PhotoBuildController::~PhotoBuildController()
+{
+    if (m_busy)
+        QApplication::restoreOverrideCursor();
+}
+
+void PhotoBuildController::addHistoryButtons()
+{
+    PhotoFrameHistory *history = m_frame.historyPage();
+    auto *showHst = history->findChild<QPushButton *>(QStringLiteral("ShowHst"));
+    QBoxLayout *column =
+        showHst ? layoutHolding(showHst->parentWidget()->layout(), showHst) : nullptr;
+    QWidget *owner = showHst ? showHst->parentWidget() : history;
+    const auto make = [owner](const QString &name, const QString &caption) {
+        auto *button = new QPushButton(caption, owner);
+        button->setObjectName(name);
+        return button;
+    };
+    m_loadHst = make(QStringLiteral("LoadHst"), QStringLiteral("Load From the History File"));
+    m_showHistory =
+        make(QStringLiteral("ShowHistoryButton"), QStringLiteral("Load && Display Photo Details"));
+    m_preview = make(QStringLiteral("PhotoPreviewButton"), QStringLiteral("Preview"));
+    m_copyPagePointer = make(QStringLiteral("CopyPagePointerButton"),
+                             QStringLiteral("Copy the Web Page Pointer as a link"));
+    m_preview->setToolTip(QStringLiteral("Builds the page on this computer and opens it, without "
+                                         "sending anything."));
+    if (column) {
+        const int at = column->indexOf(showHst);
+        column->insertWidget(at, m_loadHst);
+        column->insertWidget(at + 1, m_showHistory);
+        column->insertWidget(column->indexOf(showHst) + 2, m_preview);
+        column->insertWidget(column->indexOf(m_preview) + 1, m_copyPagePointer);
+    }
+    connect(m_loadHst, &QPushButton::clicked, this, &PhotoBuildController::LoadHst_Click);
+    connect(m_showHistory, &QPushButton::clicked, this,
+            &PhotoBuildController::ShowHistoryButton_Click);
+    connect(m_preview, &QPushButton::clicked, this,
+            &PhotoBuildController::PhotoPreviewButton_Click);
+    connect(m_copyPagePointer, &QPushButton::clicked, this,
+            &PhotoBuildController::CopyPagePointerButton_Click);
+
+    if (auto *file4 = history->findChild<QListWidget *>(QStringLiteral("File4_0"))) {
+        connect(file4, &QListWidget::itemSelectionChanged, this,
+                &PhotoBuildController::updateHistoryButtons);
+        connect(file4, &QListWidget::itemDoubleClicked, this, [this] { LoadHst_Click(); });
+    }
+    updateHistoryButtons();
+}
+
+void PhotoBuildController::updateHistoryButtons()
+{
+    m_loadHst->setEnabled(!m_frame.historyPage()->selectedFile().isEmpty());
+    m_copyPagePointer->setEnabled(!m_frame.historyPage()->pagePointer().isEmpty());
+}
+
+void PhotoBuildController::cmdBuildAll_Click()
+{
+    if (m_running)
+        return; // one run at a time on the one FTP session
+    m_running = true;
+    JobState &state = JobState::instance();
+    TransferContext context{m_ftp, m_window.jobUi(), state, *this, *m_progress};
+    PhotoBuildJob job(PhotoPage::instance(), context, *this);
+    m_lastOutcome = job.cmdBuildAll();
+    m_running = false;
+    updateHistoryButtons();
+}
+
+void PhotoBuildController::PhotoPreviewButton_Click()
+{
+    if (m_running)
+        return;
+    m_running = true;
+    JobState &state = JobState::instance();
+    TransferContext context{m_ftp, m_window.jobUi(), state, *this, *m_progress};
+    PhotoBuildJob(PhotoPage::instance(), context, *this).PhotoPreviewButton();
+    m_running = false;
+}
+
+bool PhotoBuildController::loadSelectedHistory()
+{
+    JobState &state = JobState::instance();
+    const bool loaded =
+        LoadHst2(PhotoPage::instance(), m_frame.historyPage()->selectedFile(),
+                 m_frame.readyToSend()->workingFolder(), m_window.jobUi(), state, *this);
+    if (loaded) {
+        m_showHistory->setText(QStringLiteral("Display History List"));
+        m_frame.readyToSend()->EditButtons_Click(6);
+        m_frame.showFirstTab();
+    }
+    return loaded;
+}
+
+void PhotoBuildController::LoadHst_Click()
+{
+    if (m_running)
+        return;
+    m_running = true;
+    loadSelectedHistory();
+    m_running = false;
+}
+
+void PhotoBuildController::ShowHistoryButton_Click()
+{
+    if (m_running)
+        return;
+    m_running = true;
+    if (loadSelectedHistory()) {
+        m_buildAll->setEnabled(true);
+        m_frame.readyToSend()->titlePrompt()->setEnabled(true);
+        m_frame.readyToSend()->filePrompt()->setEnabled(true);
+    }
+    m_running = false;
+}
+
+void PhotoBuildController::CopyPagePointerButton_Click()
+{
+    CopyPagePointerAsLink(m_window.jobUi(), m_frame.historyPage()->pagePointer(),
+                          PhotoPage::instance().FileName);
+}
+
+FtpAccount PhotoBuildController::account() const
+{
+    return {m_window.txtServer()->text(), m_window.txtUser()->text(),
+            m_window.txtPassword()->text()};
+}
+
+void PhotoBuildController::ReloadFTPList()
+{
+    if (m_reload)
+        m_reload();
+    else
+        m_ftp.GetDirectoryListing(QStringLiteral("*.*"));
+}
+
+QString PhotoBuildController::UploadPath() const
+{
+    return m_window.UploadPath()->text();
+}
+
+void PhotoBuildController::showUploadPath(const QString &directory)
+{
+    m_window.UploadPath()->setText(m_window.txtWebSite()->text().trimmed() + directory.trimmed());
+}
+
+void PhotoBuildController::cmdDisconnect()
+{
+    if (m_disconnect) {
+        m_disconnect();
+        return;
+    }
+    m_ftp.CloseConnection();
+    m_window.setWindowTitle(QStringLiteral("Tarnwick - Ready to Connect"));
+}
+
+PhotoBuildOptions PhotoBuildController::options() const
+{
+    PhotoBuildOptions options;
+    options.ChoosenUploadPath = m_frame.readyToSend()->workingFolder();
+    options.My_resize_0 = GetSetting(SettingKey::SmlResize, QStringLiteral("15"));
+    options.My_resize_1 = GetSetting(SettingKey::LrgResize, QStringLiteral("30"));
+    options.FTPRoot = m_window.FTPRoot()->text();
+    options.ClientRoot = m_window.ClientRoot()->text();
+    return options;
+}
+
+bool PhotoBuildController::titlePrompt() const
+{
+    return m_frame.readyToSend()->titlePrompt()->isChecked();
+}
+
+bool PhotoBuildController::filePrompt() const
+{
+    return m_frame.readyToSend()->filePrompt()->isChecked();
+}
+
+bool PhotoBuildController::skipImageInfo() const
+{
+    return m_frame.readyToSend()->skipImageInfo()->isChecked();
+}
+
+bool PhotoBuildController::runWithoutConnections() const
+{
+    return m_window.RunWithoutMenu() && m_window.RunWithoutMenu()->isChecked();
+}
+
+void PhotoBuildController::refreshReadyList()
+{
+    m_frame.readyToSend()->refreshReady();
+}
+
+void PhotoBuildController::refreshHistoryList()
+{
+    m_frame.historyPage()->refreshFiles();
+}
+
+void PhotoBuildController::refreshSourceList()
+{
+    m_frame.readyToSend()->refreshSource();
+}
+
+void PhotoBuildController::selectReadyRow(int row, bool selected)
+{
+    auto *file3 = m_frame.readyToSend()->findChild<QListWidget *>(QStringLiteral("File3"));
+    if (!file3 || row < 0 || row >= file3->count())
+        return;
+    file3->item(row)->setSelected(selected);
+    if (selected) {
+        file3->scrollToItem(file3->item(row));
+        m_frame.readyToSend()->File3_Click(row);
+    }
+}
+
+void PhotoBuildController::showThumbnail(const QString &path)
+{
+    auto *image = m_frame.readyToSend()->findChild<QLabel *>(QStringLiteral("CurrentImage"));
+    const QPixmap picture(path);
+    if (image && !picture.isNull())
+        image->setPixmap(
+            picture.scaled(image->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
+}
+
+void PhotoBuildController::showProgressFrame(bool show)
+{
+    m_window.showProgressFrame(show);
+}
+
+void PhotoBuildController::setBusy(bool busy)
+{
+    if (busy == m_busy)
+        return;
+    m_busy = busy;
+    if (busy)
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QApplication::restoreOverrideCursor();
+}
+
+void PhotoBuildController::setCaption(const QString &caption)
+{
+    m_window.setWindowTitle(caption);
+}
+
+void PhotoBuildController::shapeEvent(int step)
+{
+    m_window.shapeEvent(step);
+}
+
+void PhotoBuildController::DoCleanup()
+{
+    m_window.DoCleanup();
+}
+
+void PhotoBuildController::setPagePointer(const QString &pointer)
+{
+    m_frame.setPagePointer(pointer);
+    updateHistoryButtons();
+}
+
+void PhotoBuildController::setThumbnailPointers(const QString &pointers)
+{
+    m_thumbnailPointers = pointers;
+}
+
+PhotoBuildController *InstallPhotoBuild(frmMain &window, PhotoFrame &frame, cFTP &ftp)
+{
+    return new PhotoBuildController(window, frame, ftp);
+}

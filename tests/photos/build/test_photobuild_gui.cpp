@@ -1,0 +1,247 @@
+#include "BuildFixture.h"
+#include "HTMLMake.h"
+#include "History.h"
+#include "JobState.h"
+#include "PhotoBuildInstall.h"
+#include "PhotoFrame.h"
+#include "PhotoFrameInstall.h"
+#include "ReadyToSendPage.h"
+#include "Settings.h"
+#include "SettingsKeys.h"
+#include "TestMain.h"
+#include "frmAction.h"
+#include "frmInputBox.h"
+#include "frmMain.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QQueue>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+using namespace BuildFixture;
+
+// A new user's first photo page, on the real window: pictures chosen from a folder with the copy
+// buttons, Build All pressed, the prompt answered, Take an Action closed; then the page taken up
+// again from the Update Photo Page tab and sent once more without one picture.
+class TestPhotoBuildGui : public QObject
+{
+    Q_OBJECT
+
+private:
+    // Answers what comes up while a click runs: the prompt from a queue, message boxes with OK,
+    // Take an Action by closing it. Takes a picture of the window while the pictures go up when
+    // TARNWICK_SCREENSHOT_DIR is set.
+    struct Driver
+    {
+        QQueue<QString> answers;
+        QStringList prompts;
+        QStringList messages;
+        QStringList actions;
+        bool shot = false;
+        frmMain *window = nullptr;
+
+        void tick()
+        {
+            for (QWidget *widget : QApplication::topLevelWidgets()) {
+                if (!widget->isVisible())
+                    continue;
+                if (auto *box = qobject_cast<frmInputBox *>(widget)) {
+                    auto *label = box->findChild<QLabel *>(QStringLiteral("Label1"));
+                    prompts << (label ? label->text() : QString());
+                    auto *text = box->findChild<QLineEdit *>(QStringLiteral("Text1"));
+                    if (!answers.isEmpty() && text)
+                        text->setText(answers.dequeue());
+                    box->findChild<QPushButton *>(QStringLiteral("InputBoxOK"))->click();
+                    return;
+                }
+                if (auto *box = qobject_cast<QMessageBox *>(widget)) {
+                    messages << box->text();
+                    if (QAbstractButton *ok = box->button(QMessageBox::Ok))
+                        ok->click();
+                    else if (QAbstractButton *yes = box->button(QMessageBox::Yes))
+                        yes->click();
+                    else
+                        box->accept();
+                    return;
+                }
+                if (auto *action = qobject_cast<frmAction *>(widget)) {
+                    actions << CurrentPointer();
+                    action->hide();
+                    return;
+                }
+            }
+            const QString status = window->Status_text()->text();
+            if (!shot && status.startsWith(QStringLiteral("Uploading the ")) &&
+                !window->Stepof()->text().contains(QStringLiteral("section 2 "))) {
+                shot = true;
+                const QString folder = qEnvironmentVariable("TARNWICK_SCREENSHOT_DIR");
+                if (!folder.isEmpty())
+                    window->grab().save(folder + QStringLiteral("/photobuild_progress.png"));
+            }
+        }
+    };
+
+    static QPushButton *button(QWidget *root, const QString &name)
+    {
+        auto *found = root->findChild<QPushButton *>(name);
+        if (!found)
+            qWarning("no button %s", qPrintable(name));
+        return found;
+    }
+
+    // Copies one picture of File2 with the copy button of index, in group.
+    static void copyPicture(PhotoFrame *frame, const QString &name, int copyButton,
+                            const QString &group)
+    {
+        auto *file2 = frame->findChild<QListWidget *>(QStringLiteral("File2"));
+        auto *preFix = frame->findChild<QLineEdit *>(QStringLiteral("PreFix"));
+        QVERIFY(file2 && preFix);
+        preFix->setText(group);
+        file2->clearSelection();
+        const auto items = file2->findItems(name, Qt::MatchExactly);
+        QVERIFY2(!items.isEmpty(), qPrintable(name));
+        items.first()->setSelected(true);
+        button(frame, QStringLiteral("CopyButton_%1").arg(copyButton))->click();
+    }
+
+private slots:
+    void initTestCase() { QVERIFY(installTemplates()); }
+
+    void aNewUserSendsAPageAndSendsItAgain()
+    {
+        FtpTestServer server;
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        QTemporaryDir source, working;
+        const QStringList names = {QStringLiteral("Harbour.jpg"), QStringLiteral("Bridge.jpg"),
+                                   QStringLiteral("Museum.jpg"),  QStringLiteral("Park.jpg"),
+                                   QStringLiteral("Zoo.jpg"),     QStringLiteral("Aquarium.jpg"),
+                                   QStringLiteral("Skyline.jpg"), QStringLiteral("Tree.jpg"),
+                                   QStringLiteral("Ferry.jpg"),   QStringLiteral("Market.jpg"),
+                                   QStringLiteral("Spare.jpg"),   QStringLiteral("Station.jpg")};
+        for (int i = 0; i < names.size(); ++i)
+            QVERIFY(makePhoto(source.filePath(names.at(i)), QColor::fromHsv(i * 30, 180, 220), 640,
+                              480));
+        SaveSetting(SettingKey::TempPath, working.path());
+        SaveSetting(QStringLiteral("CopyPath"), source.path());
+        SaveSetting(SettingKey::PromptForTitle, QStringLiteral("False"));
+        SaveSetting(SettingKey::PromptForDescription, QStringLiteral("False"));
+
+        cFTP ftp;
+        frmMain window;
+        PhotoFrame *frame = InstallPhotoFrame(window);
+        PhotoBuildController *build = InstallPhotoBuild(window, *frame, ftp);
+        frmAction::Install(&window);
+        frame->readFolders();
+        window.txtServer()->setText(server.server());
+        window.txtUser()->setText(server.user());
+        window.txtPassword()->setText(server.password());
+        window.txtWebSite()->setText(QStringLiteral("www.example.com"));
+        window.resize(1200, 800);
+        window.show();
+        window.FunctionSelectButton_Click(0);
+
+        Driver driver;
+        driver.window = &window;
+        QTimer pump;
+        QObject::connect(&pump, &QTimer::timeout, [&driver] { driver.tick(); });
+        pump.start(2);
+
+        // Twelve pictures onto the list: two share group 50, one has group 0, one turned left.
+        const QStringList groups = {
+            QStringLiteral("10"), QStringLiteral("20"), QStringLiteral("30"),
+            QStringLiteral("40"), QStringLiteral("50"), QStringLiteral("50"),
+            QStringLiteral("60"), QStringLiteral("70"), QStringLiteral("80"),
+            QStringLiteral("90"), QStringLiteral("0"),  QStringLiteral("100")};
+        for (int i = 0; i < names.size(); ++i)
+            copyPicture(frame, names.at(i), names.at(i) == QStringLiteral("Tree.jpg") ? 1 : 0,
+                        groups.at(i));
+        QCOMPARE(ListPictureFiles(working.path()).size(), 12);
+        QVERIFY(QFileInfo(working.filePath(QStringLiteral("00070_Tree_Left.jpg"))).isFile());
+        QCOMPARE(QImage(working.filePath(QStringLiteral("00070_Tree_Left.jpg"))).size(),
+                 QSize(480, 640));
+
+        driver.answers.enqueue(QStringLiteral("Trip to NY May 2007"));
+        QPushButton *buildAll = button(&window, QStringLiteral("cmdBuildAll"));
+        QVERIFY(buildAll && buildAll->isVisible());
+        buildAll->click();
+        QCOMPARE(build->lastOutcome(), PhotoBuildOutcome::Sent);
+
+        const QString folder = server.localPath(QStringLiteral("/Photos/Trip_to_NY_May_2007"));
+        const QStringList expected = {
+            QStringLiteral("Sml_00010_Harbour.jpg"),  QStringLiteral("Sml_00020_Bridge.jpg"),
+            QStringLiteral("Sml_00030_Museum.jpg"),   QStringLiteral("Sml_00040_Park.jpg"),
+            QStringLiteral("Sml_00050_Aquarium.jpg"), QStringLiteral("Sml_00050_Zoo.jpg"),
+            QStringLiteral("Sml_00060_Skyline.jpg"),  QStringLiteral("Sml_00070_Tree_Left.jpg"),
+            QStringLiteral("Sml_00080_Ferry.jpg"),    QStringLiteral("Sml_00090_Market.jpg"),
+            QStringLiteral("Sml_00100_Station.jpg")};
+        QCOMPARE(thumbnailsOf(folder + QStringLiteral("/Photos.htm")), expected);
+        const QStringList onServer = QDir(folder).entryList(QDir::Files);
+        for (const QString &link : linksOf(folder + QStringLiteral("/Photos.htm")))
+            QVERIFY2(onServer.contains(link), qPrintable(link));
+        QCOMPARE(onServer.size(), 25);
+        const QString pointer =
+            QStringLiteral("http://www.example.com/Photos/Trip_to_NY_May_2007/Photos.htm");
+        QCOMPARE(QGuiApplication::clipboard()->text(), pointer);
+        QCOMPARE(driver.actions, QStringList({pointer}));
+        QVERIFY(ListPictureFiles(working.path()).isEmpty());
+        QVERIFY(QFileInfo(Folders::HistoryFolder() + QStringLiteral("/Trip_to_NY_May_2007.hst"))
+                    .isFile());
+        QVERIFY(!window.ProgressFrame()->isVisible());
+        QCOMPARE(driver.messages.size(), 1); // the time of the turn to the left
+        QVERIFY(driver.messages.at(0).startsWith(QStringLiteral("Time = ")));
+
+        // The page's pointer as a link for an e-mail.
+        auto *copyLink = button(&window, QStringLiteral("CopyPagePointerButton"));
+        QVERIFY(copyLink && copyLink->isEnabled());
+        copyLink->click();
+        QVERIFY(GetHTMLClipboard().contains(QStringLiteral("Click Here to view photos of")));
+
+        // Update Photo Page: the History file loaded, one picture off, sent again.
+        frame->TabStrip2()->setCurrentIndex(1);
+        auto *file4 = window.findChild<QListWidget *>(QStringLiteral("File4_0"));
+        QVERIFY(file4);
+        const auto found =
+            file4->findItems(QStringLiteral("Trip_to_NY_May_2007.hst"), Qt::MatchExactly);
+        QVERIFY(!found.isEmpty());
+        found.first()->setSelected(true);
+        auto *loadHst = button(&window, QStringLiteral("LoadHst"));
+        QVERIFY(loadHst->isEnabled());
+        loadHst->click();
+        QCOMPARE(ListPictureFiles(working.path()).size(), 12);
+        QCOMPARE(frame->TabStrip2()->currentIndex(), 0);
+        QCOMPARE(button(&window, QStringLiteral("ShowHistoryButton"))->text(),
+                 QStringLiteral("Display History List"));
+
+        auto *file3 = window.findChild<QListWidget *>(QStringLiteral("File3"));
+        const auto zoo = file3->findItems(QStringLiteral("00050_Zoo.jpg"), Qt::MatchExactly);
+        QVERIFY(!zoo.isEmpty());
+        file3->clearSelection();
+        zoo.first()->setSelected(true);
+        frame->readyToSend()->DeleteFromReady();
+        QCOMPARE(ListPictureFiles(working.path()).size(), 11);
+
+        driver.answers.enqueue(QString()); // the saved name, as offered
+        const int messagesBefore = int(driver.messages.size());
+        buildAll->click();
+        QCOMPARE(build->lastOutcome(), PhotoBuildOutcome::Sent);
+        QCOMPARE(driver.prompts.last().isEmpty(), false);
+        QCOMPARE(int(driver.messages.size()), messagesBefore);
+        QStringList without = expected;
+        without.removeAll(QStringLiteral("Sml_00050_Zoo.jpg"));
+        QCOMPARE(thumbnailsOf(folder + QStringLiteral("/Photos.htm")), without);
+        QVERIFY(QFileInfo(folder + QStringLiteral("/Sml_00050_Zoo.jpg")).isFile());
+        pump.stop();
+    }
+};
+
+TARNWICK_TEST_MAIN(TestPhotoBuildGui)
+#include "test_photobuild_gui.moc"
