@@ -348,6 +348,13 @@ private slots:
         QVERIFY(!m_main->instructionForm(3));
         QVERIFY(m_main->instructionForm(5));
         QVERIFY(m_main->ring(14)->isShown());
+
+        // The keyboard chooses tabs too.
+        tabs->setFocus();
+        QTest::keyClick(tabs, Qt::Key_Left);
+        QCOMPARE(tabs->currentIndex(), 4);
+        QVERIFY(m_main->TabFrame(4)->isVisible());
+        QVERIFY(!m_main->TabFrame(5)->isVisible());
     }
 
     void returnToStart()

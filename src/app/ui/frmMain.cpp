@@ -67,11 +67,11 @@ frmMain::frmMain(QWidget *parent) : QMainWindow(parent), m_jobUi(std::make_uniqu
     m_tabStrip->setDrawBase(false);
     for (const char *name : FunctionNames)
         m_tabStrip->addTab(QString::fromLatin1(name).trimmed());
-    connect(m_tabStrip, &QTabBar::tabBarClicked, this, [this](int index) {
-        if (index < 0)
-            return;
-        m_tabStrip->setCurrentIndex(index);
-        TabStrip1_Click();
+    // A tab chosen by mouse or keyboard opens its function; choosing the tab for a function
+    // button does not count twice.
+    connect(m_tabStrip, &QTabBar::currentChanged, this, [this] {
+        if (!m_selectingTab)
+            TabStrip1_Click();
     });
     m_returnButton = new QPushButton(QStringLiteral("Return to Start"), m_workArea);
     m_returnButton->setObjectName(QStringLiteral("ReturnToStartButton"));

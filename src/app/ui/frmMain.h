@@ -191,6 +191,7 @@ private:
     CopyFilesReport m_copyFilesReport;
     QFrame *m_startFrame = nullptr;
     QTabBar *m_tabStrip = nullptr;
+    bool m_selectingTab = false;
     QStackedWidget *m_pages = nullptr;
     QWidget *m_workArea = nullptr;
     std::array<QFrame *, FunctionCount> m_tabFrames{};

@@ -50,7 +50,9 @@ void frmMain::FunctionSelectButton_Click(int index)
     if (index < 0 || index >= FunctionCount)
         return;
     unloadInstructionForms();
+    m_selectingTab = true;
     m_tabStrip->setCurrentIndex(index);
+    m_selectingTab = false;
     showTabFrame(index);
     openFunction(index, false);
 }
