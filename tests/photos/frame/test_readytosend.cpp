@@ -21,6 +21,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStandardPaths>
+#include <QTabBar>
 #include <QTabWidget>
 
 namespace {
@@ -67,6 +68,20 @@ private slots:
                  QStringLiteral("Left  -Image-"));
         QVERIFY(!f.find<QGroupBox>(QStringLiteral("EditFrame"))->isVisible());
         QCOMPARE(f.workingFolder(), QDir::cleanPath(Folders::HomeFolder()));
+    }
+
+    void choosingTheSelectImagesTabRaisesTheFirstStep()
+    {
+        FrameFixture f;
+        auto *tabs = f.find<QTabWidget>(QStringLiteral("TabStrip2"));
+        tabs->setCurrentIndex(2);
+        f.steps.clear();
+        QTabBar *bar = tabs->tabBar();
+        QTest::mouseClick(bar, Qt::LeftButton, Qt::NoModifier, bar->tabRect(1).center());
+        QVERIFY(f.steps.isEmpty());
+        QTest::mouseClick(bar, Qt::LeftButton, Qt::NoModifier, bar->tabRect(0).center());
+        QCOMPARE(f.steps, QList<int>{0});
+        QCOMPARE(tabs->currentIndex(), 0);
     }
 
     void addSuffixPutsTheSuffixBeforeTheLastDot_data()
