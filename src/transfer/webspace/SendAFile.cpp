@@ -4,7 +4,7 @@
 #include "HTMLMake.h"
 #include "JobState.h"
 #include "JobUi.h"
-#include "UploadSteps.h"
+#include "TransferSteps.h"
 #include "cFTP.h"
 
 #include <QDateTime>
@@ -15,18 +15,21 @@ namespace {
 
 const QString Title = QStringLiteral("Send a File");
 
-QString connectedText(const SendAFileInputs &inputs)
+QString connectedText(const FtpAccount &account)
 {
-    return QStringLiteral("Connected to ") + inputs.server + QStringLiteral(" as ") + inputs.user +
-           QStringLiteral(" at ") +
+    return QStringLiteral("Connected to ") + account.server + QStringLiteral(" as ") +
+           account.user + QStringLiteral(" at ") +
            QLocale::c().toString(QTime::currentTime(), QStringLiteral("HH:mm:ss"));
 }
 
 } // namespace
 
-SendAFileResult SendThisFile(cFTP &ftp, JobUi &ui, JobState &state, const UploadSteps &steps,
-                             SendAFileInputs &inputs, SendAFileWindow &window)
+SendAFileResult SendThisFile(TransferContext &context, SendAFileInputs &inputs,
+                             SendAFileWindow &window)
 {
+    cFTP &ftp = context.ftp;
+    JobUi &ui = context.ui;
+    JobState &state = context.state;
     using Outcome = SendAFileResult::Outcome;
     SendAFileResult result;
     state.UserResponse.clear();
@@ -68,22 +71,18 @@ SendAFileResult SendThisFile(cFTP &ftp, JobUi &ui, JobState &state, const Upload
     if (inputs.sName.isEmpty() || inputs.runWithoutMenu)
         return finish(Outcome::NothingToSend);
 
-    if (!ftp.OpenConnection(inputs.server, inputs.user, inputs.password))
+    const FtpAccount account = context.window.account();
+    if (!ftp.OpenConnection(account.server, account.user, account.password))
         return finish(Outcome::NoConnection);
 
     ftp.SetFTPDirectory(QStringLiteral("/"));
-    window.ReloadFTPList();
+    context.window.ReloadFTPList();
     ftp.SetFTPDirectory(inputs.FTPRoot);
-    window.showStatus(connectedText(inputs));
-    window.ReloadFTPList();
+    ui.SetStatusText(connectedText(account));
+    context.window.ReloadFTPList();
+    context.window.showUploadPath(ftp.CurrentDirectory());
 
-    const auto reload = [&window] { window.ReloadFTPList(); };
-    const auto showPath = [&] {
-        window.setUploadPath(inputs.webSite + ftp.GetFTPDirectory().trimmed());
-    };
-    const auto ensure = [&](const QString &name) {
-        return EnsureFTPDirectory(ftp, ui, steps, name, reload, showPath);
-    };
+    const auto ensure = [&](const QString &name) { return EnsureFTPDirectory(context, name); };
     const QString clientRoot = inputs.ClientRoot.trimmed();
     if (!clientRoot.isEmpty()) {
         QString directory = clientRoot;
@@ -91,31 +90,31 @@ SendAFileResult SendThisFile(cFTP &ftp, JobUi &ui, JobState &state, const Upload
         if (!ensure(directory)) {
             state.UserResponse.clear();
             window.shapeEvent(20);
-            window.cmdDisconnect();
+            context.window.cmdDisconnect();
             result.outcome = Outcome::NoDirectory;
             result.sName = inputs.sName;
             return result;
         }
     }
     if (!ensure(inputs.sName)) {
-        window.cmdDisconnect();
+        context.window.cmdDisconnect();
         return finish(Outcome::NoDirectory);
     }
 
-    if (!steps.verifyUploadPath(inputs.sName)) {
+    if (!verifyUploadPath(ftp, inputs.sName)) {
         ui.Message(
             QStringLiteral("The connection to the upload path has failed. Select to resend."),
             Title, JobUi::Buttons::Ok, JobUi::Icon::Warning);
-        window.cmdDisconnect();
+        context.window.cmdDisconnect();
         result.outcome = Outcome::WrongPath;
         result.sName = inputs.sName;
         return result;
     }
 
-    steps.UploadFileToFTP(file.absoluteFilePath());
+    UploadFileToFTP(context, file.absoluteFilePath());
     if (state.UserResponse == JobState::Skip) {
         window.showProgressFrame(false);
-        window.cmdDisconnect();
+        context.window.cmdDisconnect();
         result.outcome = Outcome::Cancelled;
         result.sName = inputs.sName;
         return result;
@@ -123,8 +122,8 @@ SendAFileResult SendThisFile(cFTP &ftp, JobUi &ui, JobState &state, const Upload
 
     ui.ProcessEvents();
     // The caption is read before the disconnect, which takes the directory away from it.
-    const QString uploadPath = window.UploadPath();
-    window.cmdDisconnect();
+    const QString uploadPath = context.window.UploadPath();
+    context.window.cmdDisconnect();
     result.pointer = CopyPointer(ui, state, uploadPath + QLatin1Char('/') + file.fileName(),
                                  QString(), QStringLiteral("%20"));
     return finish(Outcome::Sent);

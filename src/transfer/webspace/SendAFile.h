@@ -2,38 +2,26 @@
 
 #include <QString>
 
-class JobUi;
-class cFTP;
-struct JobState;
-struct UploadSteps;
+struct TransferContext;
 
 // Send a File: one local file goes into a directory of its own on the web space, and the user
 // gets a pointer to it (CopyPointer, then Take an Action).
 
-// What the job reads from the window.
+// What the job reads from the window besides the account.
 struct SendAFileInputs
 {
     QString FileToSend; // the local path
     QString sName;      // the directory name as typed; may be empty (then it is asked for)
-    QString server, user, password;
-    QString webSite; // txtWebSite
     QString FTPRoot, ClientRoot;
     bool runWithoutMenu = false; // RunWithoutMenu: nothing goes out
 };
 
-// What the job does to the window on its way. Every call may run the event loop.
+// What the job does to the main window besides the transfer window's list and path.
 class SendAFileWindow
 {
 public:
     virtual ~SendAFileWindow() = default;
-    virtual void ReloadFTPList() = 0;
-    // UploadPath's caption: the web address of the current directory.
-    virtual QString UploadPath() const = 0;
-    virtual void setUploadPath(const QString &caption) = 0;
-    // The window's status line ("Connected to ...").
-    virtual void showStatus(const QString &text) = 0;
     virtual void showProgressFrame(bool show) = 0;
-    virtual void cmdDisconnect() = 0;
     virtual void shapeEvent(int step) = 0;
 };
 
@@ -54,6 +42,7 @@ struct SendAFileResult
     QString pointer; // the pointer put on the clipboard (Sent only)
 };
 
-// SendThisFileButton. inputs.sName comes back as the job used it (asked for, cleaned).
-SendAFileResult SendThisFile(cFTP &ftp, JobUi &ui, JobState &state, const UploadSteps &steps,
-                             SendAFileInputs &inputs, SendAFileWindow &window);
+// SendThisFileButton: the whole job, through the shared upload steps of context. inputs.sName
+// comes back as the job used it (asked for, cleaned).
+SendAFileResult SendThisFile(TransferContext &context, SendAFileInputs &inputs,
+                             SendAFileWindow &window);

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "DialogTransferUi.h"
 #include "FtpTestServer.h"
 #include "JobState.h"
 #include "ScriptedUi.h"
 #include "cFTP.h"
+#include "dlgFTP.h"
 #include "frmMain.h"
 
 #include <QDir>
@@ -19,12 +21,16 @@ struct WebSpaceFixture
     std::unique_ptr<frmMain> window;
     std::unique_ptr<cFTP> ftp;
     ScriptedUi ui;
+    std::unique_ptr<DialogTransferUi> progress;
 
     WebSpaceFixture()
     {
         JobState::instance().reset();
         window = std::make_unique<frmMain>();
         ftp = std::make_unique<cFTP>();
+        progress = std::make_unique<DialogTransferUi>(JobState::instance(), window.get());
+        // A failed file's error form goes by itself at once, not after five seconds.
+        progress->setErrorAutoCloseMs(0);
         window->setFtpDirectoryProvider([this] { return ftp->CurrentDirectory(); });
     }
 

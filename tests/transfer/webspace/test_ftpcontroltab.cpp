@@ -72,7 +72,7 @@ private slots:
         QDir().mkpath(home("/sub"));
         writeFile(home("/sub/inner.txt"), "inner");
         m_fx = std::make_unique<WebSpaceFixture>();
-        m_tab = new FtpControlTab(*m_fx->window, *m_fx->ftp, m_fx->ui);
+        m_tab = new FtpControlTab(*m_fx->window, *m_fx->ftp, m_fx->ui, *m_fx->progress);
         m_tab->resize(900, 600);
         m_tab->show();
     }

@@ -27,7 +27,7 @@ private:
     {
         delete m_tab;
         m_fx = std::make_unique<WebSpaceFixture>();
-        m_tab = new FtpControlTab(*m_fx->window, *m_fx->ftp, m_fx->ui);
+        m_tab = new FtpControlTab(*m_fx->window, *m_fx->ftp, m_fx->ui, *m_fx->progress);
         m_tab->show();
         m_fx->fillAccount(server);
     }

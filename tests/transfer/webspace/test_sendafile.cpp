@@ -55,7 +55,7 @@ private slots:
         clearFolder(m_server->homePath());
         m_fx = std::make_unique<WebSpaceFixture>();
         m_fx->window->HighLightSteps()->setChecked(true);
-        m_tab = new FtpControlTab(*m_fx->window, *m_fx->ftp, m_fx->ui);
+        m_tab = new FtpControlTab(*m_fx->window, *m_fx->ftp, m_fx->ui, *m_fx->progress);
         m_frame = new SendFileFrame(*m_fx->window, *m_tab);
         m_frame->show();
         m_fx->fillAccount(*m_server);

@@ -36,11 +36,12 @@ QPushButton *makeButton(const QString &name, const QString &caption, QWidget *pa
 
 } // namespace
 
-FtpControlTab::FtpControlTab(frmMain &window, cFTP &ftp, JobUi &ui, QWidget *parent)
-    : QWidget(parent), m_window(window), m_ftp(ftp), m_ui(ui), m_state(JobState::instance())
+FtpControlTab::FtpControlTab(frmMain &window, cFTP &ftp, JobUi &ui, TransferUi &progress,
+                             QWidget *parent)
+    : QWidget(parent), m_window(window), m_ftp(ftp), m_ui(ui), m_progress(progress),
+      m_state(JobState::instance())
 {
     setObjectName(QStringLiteral("FtpControlTab"));
-    m_steps = SessionUploadSteps(m_ftp, m_ui, [this] { ReloadFTPList(); });
     buildLayout();
     connectFields();
     EnableFTPButtons(false);

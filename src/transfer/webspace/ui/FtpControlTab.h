@@ -1,7 +1,7 @@
 #pragma once
 
 #include "RootSearch.h"
-#include "UploadSteps.h"
+#include "TransferSteps.h"
 
 #include <QStringList>
 #include <QWidget>
@@ -16,6 +16,7 @@ class QPushButton;
 class QRadioButton;
 class QTreeWidget;
 class QTreeWidgetItem;
+class TransferUi;
 class cFTP;
 class JobUi;
 class frmMain;
@@ -28,15 +29,25 @@ struct JobState;
 // The connection fields are the main window's own controls (it fills them at start-up); the tab
 // gives them their place and writes each key as it is typed. Commands report failures with the
 // session's last error text and leave the listing as it was; none closes the connection.
-class FtpControlTab final : public QWidget
+class FtpControlTab final : public QWidget, public TransferWindow
 {
     Q_OBJECT
 public:
-    // ui is how the tab asks and tells the user (the window's own in the program).
-    FtpControlTab(frmMain &window, cFTP &ftp, JobUi &ui, QWidget *parent = nullptr);
+    // ui is how the tab asks and tells the user, progress what shows while files go across
+    // (the window's own in the program).
+    FtpControlTab(frmMain &window, cFTP &ftp, JobUi &ui, TransferUi &progress,
+                  QWidget *parent = nullptr);
 
-    // Lists the current directory of the session into lv (".." first) and lblDir.
-    void ReloadFTPList();
+    // Lists the current directory of the session into lv (".." first) and lblDir, and shows
+    // its web address in UploadPath.
+    void ReloadFTPList() override;
+    // The transfer window of every job: the account as the fields hold it, UploadPath.
+    FtpAccount account() const override;
+    QString UploadPath() const override;
+    void showUploadPath(const QString &directory) override;
+    void cmdDisconnect() override { cmdDisconnect_Click(); }
+    // The shared upload steps over this tab and the window's session.
+    TransferContext transferContext();
     void EnableFTPButtons(bool flag);
 
     void cmdConnect_Click();
@@ -66,12 +77,6 @@ public:
     // Where a download goes; tests set it instead of the save dialog. An empty answer cancels.
     void setDownloadPathChooser(std::function<QString(const QString &name)> chooser);
 
-    // The shared upload steps; the tab starts with those over its own session.
-    void setUploadSteps(UploadSteps steps) { m_steps = std::move(steps); }
-    const UploadSteps &uploadSteps() const { return m_steps; }
-    // UploadPath's caption for the session's current directory.
-    void showUploadPath();
-
     QTreeWidget *lv() const { return m_lv; }
     QFrame *AdvanceSettingFrame() const { return m_advanced; }
     cFTP &ftp() const { return m_ftp; }
@@ -96,11 +101,11 @@ private:
     frmMain &m_window;
     cFTP &m_ftp;
     JobUi &m_ui;
+    TransferUi &m_progress;
     JobState &m_state;
     bool m_connected = false;
     bool m_rootFound = false;
     std::function<QString(const QString &)> m_downloadChooser;
-    UploadSteps m_steps;
 
     QPushButton *m_cmdConnect = nullptr, *m_cmdDisconnect = nullptr;
     QLabel *m_lblDir = nullptr;

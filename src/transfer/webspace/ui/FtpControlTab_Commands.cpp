@@ -53,13 +53,28 @@ void FtpControlTab::ReloadFTPList()
     m_lv->setUpdatesEnabled(true);
     // The web address follows the list at once, not only at the next tick of Timer3.
     if (m_ftp.IsConnected())
-        showUploadPath();
+        showUploadPath(m_ftp.CurrentDirectory());
 }
 
-void FtpControlTab::showUploadPath()
+FtpAccount FtpControlTab::account() const
 {
-    m_window.UploadPath()->setText(m_window.txtWebSite()->text() +
-                                   m_ftp.GetFTPDirectory().trimmed());
+    return {m_window.txtServer()->text(), m_window.txtUser()->text(),
+            m_window.txtPassword()->text()};
+}
+
+QString FtpControlTab::UploadPath() const
+{
+    return m_window.UploadPath()->text();
+}
+
+void FtpControlTab::showUploadPath(const QString &directory)
+{
+    m_window.UploadPath()->setText(m_window.txtWebSite()->text() + directory.trimmed());
+}
+
+TransferContext FtpControlTab::transferContext()
+{
+    return TransferContext{m_ftp, m_ui, m_state, *this, m_progress};
 }
 
 void FtpControlTab::showConnectedStatus()
@@ -89,13 +104,13 @@ void FtpControlTab::cmdConnect_Click()
     showConnectedStatus();
 
     ReloadFTPList();
-    showUploadPath();
+    showUploadPath(m_ftp.CurrentDirectory());
 
     const QString clientRoot = m_window.ClientRoot()->text().trimmed();
-    if (!clientRoot.isEmpty())
-        EnsureFTPDirectory(
-            m_ftp, m_ui, m_steps, clientRoot, [this] { ReloadFTPList(); },
-            [this] { showUploadPath(); });
+    if (!clientRoot.isEmpty()) {
+        TransferContext context = transferContext();
+        EnsureFTPDirectory(context, clientRoot);
+    }
 
     EnableFTPButtons(true);
     m_window.shapeEvent(41);
@@ -175,7 +190,8 @@ void FtpControlTab::cmdDownload_Click()
                    QStringLiteral("Need to know.."), JobUi::Buttons::YesNo,
                    JobUi::Icon::Question) != JobUi::Answer::Yes)
         return;
-    m_steps.DownloadFileToFTP(name, local);
+    TransferContext context = transferContext();
+    DownloadFileToFTP(context, local, name);
 }
 
 void FtpControlTab::cmdUpload_Click()
@@ -250,15 +266,16 @@ void FtpControlTab::uploadFiles(const QString &baseFolder, const QStringList &fi
             remote =
                 (start.endsWith(QLatin1Char('/')) ? start : start + QLatin1Char('/')) + directory;
         m_ftp.SetFTPDirectory(remote);
-        showUploadPath();
-        m_steps.UploadFileToFTP(files.at(i));
+        showUploadPath(m_ftp.CurrentDirectory());
+        TransferContext context = transferContext();
+        UploadFileToFTP(context, files.at(i));
         if (m_state.UserResponse == JobState::Skip)
             break;
     }
 
     m_ftp.SetFTPDirectory(start);
     ReloadFTPList();
-    showUploadPath();
+    showUploadPath(m_ftp.CurrentDirectory());
     m_window.showProgressFrame(false);
 }
 

@@ -6,7 +6,7 @@
 #include "HTMLMake.h"
 #include "JobState.h"
 #include "SendAFile.h"
-#include "UploadSteps.h"
+#include "TransferSteps.h"
 #include "frmMain.h"
 
 #include <QAction>
@@ -109,24 +109,17 @@ void SendFileFrame::SelectAFileButton_Click()
 
 namespace {
 
-// The window as the job sees it: the FTP tab's list and path, the main window's status, rings
-// and progress frame.
+// The main window as the job sees it beside the FTP tab: rings and the progress frame.
 class FrameWindow final : public SendAFileWindow
 {
 public:
-    FrameWindow(frmMain &window, FtpControlTab &tab) : m_window(window), m_tab(tab) {}
+    explicit FrameWindow(frmMain &window) : m_window(window) {}
 
-    void ReloadFTPList() override { m_tab.ReloadFTPList(); }
-    QString UploadPath() const override { return m_window.UploadPath()->text(); }
-    void setUploadPath(const QString &caption) override { m_window.UploadPath()->setText(caption); }
-    void showStatus(const QString &text) override { m_window.statusBar()->showMessage(text); }
     void showProgressFrame(bool show) override { m_window.showProgressFrame(show); }
-    void cmdDisconnect() override { m_tab.cmdDisconnect_Click(); }
     void shapeEvent(int step) override { m_window.shapeEvent(step); }
 
 private:
     frmMain &m_window;
-    FtpControlTab &m_tab;
 };
 
 } // namespace
@@ -136,18 +129,14 @@ void SendFileFrame::SendThisFileButton_Click()
     SendAFileInputs inputs;
     inputs.FileToSend = m_fileToSend->text();
     inputs.sName = m_sName->text();
-    inputs.server = m_window.txtServer()->text();
-    inputs.user = m_window.txtUser()->text();
-    inputs.password = m_window.txtPassword()->text();
-    inputs.webSite = m_window.txtWebSite()->text();
     inputs.FTPRoot = m_window.FTPRoot()->text();
     inputs.ClientRoot = m_window.ClientRoot()->text();
     inputs.runWithoutMenu = m_window.RunWithoutMenu()->isChecked();
 
     m_sendButton->setEnabled(false);
-    FrameWindow window(m_window, m_tab);
-    const SendAFileResult result = SendThisFile(m_tab.ftp(), m_tab.jobUi(), JobState::instance(),
-                                                m_tab.uploadSteps(), inputs, window);
+    FrameWindow window(m_window);
+    TransferContext context = m_tab.transferContext();
+    const SendAFileResult result = SendThisFile(context, inputs, window);
     m_sendButton->setEnabled(true);
     m_cleaning = true;
     m_sName->setText(inputs.sName);
