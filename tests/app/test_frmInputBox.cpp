@@ -1,4 +1,5 @@
 #include "GuiJobUi.h"
+#include "HelpWindow.h"
 #include "JobState.h"
 #include "MessageWithScroll.h"
 #include "ModalAnswer.h"
@@ -246,6 +247,23 @@ private slots:
         QVERIFY(seen->seen);
         QCOMPARE(seen->text, QStringLiteral("Are you sure you want to cancel?"));
         QCOMPARE(answer, JobState::Skip);
+    }
+
+    void helpKeyOverThePromptStaysUsable()
+    {
+        QPointer<HelpWindow> help;
+        bool shown = false;
+        ask(QString(), QStringLiteral("Hide"), 0, [&](frmInputBox *box) {
+            QTest::keyClick(child<QLineEdit>(box, "Text1"), Qt::Key_F1);
+            help = box->findChild<HelpWindow *>();
+            shown = help && help->isVisible();
+            child<QPushButton>(box, "InputBoxOK")->click();
+        });
+        QVERIFY(shown);
+        QCOMPARE(help->currentTopic(), 2);
+        help->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!help);
     }
 
     void enterKeyIsOk()

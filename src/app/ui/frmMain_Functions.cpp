@@ -5,6 +5,7 @@
 #include "Settings.h"
 #include "StepRing.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QFrame>
 #include <QMessageBox>
@@ -202,5 +203,14 @@ void frmMain::HelpButton_Click()
 
 void frmMain::showHelpTopic(int context)
 {
+    // Over a prompt or message box the main window's help would be blocked by it: that box gets
+    // a help window of its own, gone with the box.
+    QWidget *modal = QApplication::activeModalWidget();
+    if (modal && modal != m_help && !m_help->isAncestorOf(modal)) {
+        auto *help = new HelpWindow(modal);
+        help->setAttribute(Qt::WA_DeleteOnClose);
+        help->showTopic(context);
+        return;
+    }
     m_help->showTopic(context);
 }
