@@ -21,7 +21,6 @@ class QLineEdit;
 class QMenu;
 class QProgressBar;
 class QPushButton;
-class QStackedWidget;
 class QTabBar;
 class QTimer;
 class QWidget;
@@ -192,7 +191,6 @@ private:
     QFrame *m_startFrame = nullptr;
     QTabBar *m_tabStrip = nullptr;
     bool m_selectingTab = false;
-    QStackedWidget *m_pages = nullptr;
     QWidget *m_workArea = nullptr;
     std::array<QFrame *, FunctionCount> m_tabFrames{};
     std::array<QPushButton *, FunctionCount> m_functionButtons{};
