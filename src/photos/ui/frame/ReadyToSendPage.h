@@ -121,6 +121,7 @@ private:
     QString m_oldOrderName;
     int m_editRow = 0;
     bool m_settingText = false;
+    bool m_orderBusy = false;
 
     QListWidget *m_file2 = nullptr;
     QListWidget *m_file3 = nullptr;

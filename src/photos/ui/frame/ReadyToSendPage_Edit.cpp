@@ -152,8 +152,7 @@ void ReadyToSendPage::LeftRight_Click(int index)
 // A new group for the picture in the panel: the file is renamed into it.
 void ReadyToSendPage::OrderPhotos_LostFocus()
 {
-    static bool running = false; // a message below takes the focus away again
-    if (running || !m_orderPhotos->isVisible() || !m_orderPhotos->isEnabled())
+    if (m_orderBusy || !m_orderPhotos->isVisible() || !m_orderPhotos->isEnabled())
         return;
     const QString typed = m_orderPhotos->text();
     const QString oldName = m_oldOrderName;
@@ -163,7 +162,7 @@ void ReadyToSendPage::OrderPhotos_LostFocus()
     if (GetGroupNumber(oldName) == typed)
         return;
 
-    running = true;
+    m_orderBusy = true; // a message below takes the focus away again
     const QString oldPath = readyPath(oldName);
     const QString newName =
         (QStringLiteral("00000") + typed).right(5) + QLatin1Char('_') + RemoveGroupNumber(oldName);
@@ -177,7 +176,7 @@ void ReadyToSendPage::OrderPhotos_LostFocus()
                     .arg(oldName, typed),
                 Tarnwick, JobUi::Buttons::Ok, JobUi::Icon::Warning);
             refreshReady();
-            running = false;
+            m_orderBusy = false;
             return;
         }
     }
@@ -198,7 +197,7 @@ void ReadyToSendPage::OrderPhotos_LostFocus()
         m_oldOrderName = newName;
         m_editFrame->setTitle(QStringLiteral("Edit Photo Description-") + newName);
     }
-    running = false;
+    m_orderBusy = false;
 }
 
 void ReadyToSendPage::DeleteFromReady()
