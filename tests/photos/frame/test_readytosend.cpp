@@ -271,6 +271,39 @@ private slots:
                  (QStringList{QStringLiteral("00050_a.jpg"), QStringLiteral("00050_B.JPG")}));
     }
 
+    void aPictureGoneFromTheFolderStopsTheCopyWithAMessage()
+    {
+        FrameFixture f;
+        f.addPictures({QStringLiteral("a.jpg"), QStringLiteral("b.jpg")});
+        f.selectSource({QStringLiteral("a.jpg"), QStringLiteral("b.jpg")});
+        QFile::remove(f.sourceFile(QStringLiteral("a.jpg")));
+        f.click(QStringLiteral("CopyButton_0"));
+        QCOMPARE(f.ui().messages.size(), 1);
+        QVERIFY(f.ui().messages[0].text.contains(QStringLiteral("could not be copied")));
+        QVERIFY(f.names(f.file3()).isEmpty()); // the click stops at the first failure
+    }
+
+    void aDamagedPictureNeitherShowsNorTurnsButStillCopies()
+    {
+        FrameFixture f;
+        QFile bad(f.sourceFile(QStringLiteral("broken.jpg")));
+        QVERIFY(bad.open(QIODevice::WriteOnly));
+        bad.write("this is not a picture");
+        bad.close();
+        f.frame().readyToSend()->refreshSource();
+        f.clickRow(f.file2(), QStringLiteral("broken.jpg"));
+        QVERIFY(f.find<QLabel>(QStringLiteral("CurrentImage"))->pixmap().isNull());
+        f.click(QStringLiteral("CopyButton_0"));
+        QVERIFY(QFile::exists(f.readyFile(QStringLiteral("00050_broken.jpg"))));
+
+        // A failed turn goes on: the row is there, the turned file is not.
+        f.selectSource({QStringLiteral("broken.jpg")});
+        f.click(QStringLiteral("CopyButton_1"));
+        QCOMPARE(f.page().PhotoNumber, qint16(2));
+        QCOMPARE(f.page().PhotoName[1], QStringLiteral("broken_Left.jpg"));
+        QVERIFY(!QFile::exists(f.readyFile(QStringLiteral("00050_broken_Left.jpg"))));
+    }
+
     void enterTogglesTheSelectionOfTheCurrentRow()
     {
         FrameFixture f;
