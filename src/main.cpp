@@ -1,5 +1,7 @@
+#include "FtpControlTab.h"
 #include "PhotoBuildInstall.h"
 #include "PhotoFrameInstall.h"
+#include "WebSpaceInstall.h"
 #include "cFTP.h"
 #include "frmAction.h"
 #include "frmMain.h"
@@ -31,7 +33,11 @@ int main(int argc, char *argv[])
         QTimer::singleShot(0, [] { std::_Exit(0); });
     });
     PhotoFrame *photoFrame = InstallPhotoFrame(window);
-    InstallPhotoBuild(window, *photoFrame, mFTP);
+    PhotoBuildController *photoBuild = InstallPhotoBuild(window, *photoFrame, mFTP);
+    // The FTP tab, Send a File and the Configuration page; builders list through the tab.
+    const WebSpaceParts webSpace = InstallWebSpace(window, mFTP);
+    photoBuild->setListReloader([tab = webSpace.tab] { tab->ReloadFTPList(); });
+    photoBuild->setDisconnector([tab = webSpace.tab] { tab->cmdDisconnect_Click(); });
     frmAction::Install(&window);
     window.Load();
     window.show();
