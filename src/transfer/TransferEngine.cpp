@@ -10,6 +10,8 @@
 #include <QFile>
 #include <QSaveFile>
 
+#include <memory>
+
 namespace {
 
 // Handles are numbered for the "Handle created: " status as the library would number them.
@@ -73,14 +75,23 @@ void TransferEngine::hookStatus(FtpConnection &connection, const QString &host)
 {
     TransferStatusCallback(60, nextHandleNumber());
     TransferStatusCallback(10, host);
-    connection.onOpenSocket = [this](const QString &address) {
+    // The words are for the control connection: the data connections of each file come and
+    // go without them.
+    auto opened = std::make_shared<bool>(false);
+    auto connected = std::make_shared<bool>(false);
+    connection.onOpenSocket = [this, opened](const QString &address) {
+        if (*opened)
+            return;
+        *opened = true;
         TransferStatusCallback(11, address);
         TransferStatusCallback(20, address);
     };
-    connection.onLibraryText = [this](const QString &text) {
-        static const QString connected = QStringLiteral("Connected to ");
-        if (text.startsWith(connected))
-            TransferStatusCallback(21, text.mid(connected.size()).section(QLatin1Char(' '), 0, 0));
+    connection.onLibraryText = [this, connected](const QString &text) {
+        static const QString prefix = QStringLiteral("Connected to ");
+        if (*connected || !text.startsWith(prefix))
+            return;
+        *connected = true;
+        TransferStatusCallback(21, text.mid(prefix.size()).section(QLatin1Char(' '), 0, 0));
     };
 }
 

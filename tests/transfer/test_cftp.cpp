@@ -1,3 +1,4 @@
+#include "FtpErrors.h"
 #include "FtpListing.h"
 #include "FtpTestServer.h"
 #include "JobState.h"
@@ -18,6 +19,11 @@ void writeFile(const QString &path, const QByteArray &content)
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(content);
+}
+
+void WriteTestFile2(const QString &path, const QByteArray &content)
+{
+    writeFile(path, content);
 }
 
 QByteArray readFile(const QString &path)
@@ -505,6 +511,67 @@ private slots:
         QFETCH(QString, filter);
         QFETCH(bool, matches);
         QCOMPARE(FtpListing::MatchesFilter(name, filter), matches);
+    }
+
+    void pathsInNamesAndFilters()
+    {
+        WriteTestFile2(m_server->localPath(QStringLiteral("/deep/er/one.htm")), "1");
+        WriteTestFile2(m_server->localPath(QStringLiteral("/deep/er/two.jpg")), "22");
+        cFTP ftp;
+        QVERIFY(connect(ftp));
+        const cDirList *list = ftp.GetDirectoryListing(QStringLiteral("deep/er/*.htm"));
+        QVERIFY2(list, qPrintable(ftp.GetLastErrorMessage()));
+        QCOMPARE(list->Count(), 1);
+        QCOMPARE(list->Item(0)->Name, QStringLiteral("one.htm"));
+        QVERIFY(!list->Item(1));
+        QCOMPARE(ftp.GetFTPFileSize(QStringLiteral("/deep/er/two.jpg")), qint64(2));
+        QCOMPARE(ftp.GetFTPFileSize(QStringLiteral("deep/er/*.jpg")), qint64(2));
+        // The current directory is not changed by a path in a name.
+        QCOMPARE(ftp.GetFTPDirectory(), QStringLiteral("/"));
+        QCOMPARE(ftp.GetFTPFileSize(QStringLiteral("nowhere/x.txt")), qint64(-2));
+        QVERIFY(ftp.GetLastErrorMessage().startsWith(QStringLiteral("550 ")));
+    }
+
+    void libraryFailuresHaveTheirNumbers_data()
+    {
+        QTest::addColumn<int>("code");
+        QTest::addColumn<int>("number");
+        QTest::newRow("resolve") << int(CURLE_COULDNT_RESOLVE_HOST) << 12007;
+        QTest::newRow("connect") << int(CURLE_COULDNT_CONNECT) << 12029;
+        QTest::newRow("timeout") << int(CURLE_OPERATION_TIMEDOUT) << 12002;
+        QTest::newRow("cancel") << int(CURLE_ABORTED_BY_CALLBACK) << 12017;
+        QTest::newRow("send") << int(CURLE_SEND_ERROR) << 12031;
+        QTest::newRow("receive") << int(CURLE_RECV_ERROR) << 12030;
+        QTest::newRow("partial") << int(CURLE_PARTIAL_FILE) << 12030;
+        QTest::newRow("refused command") << int(CURLE_QUOTE_ERROR) << 12003;
+        QTest::newRow("refused store") << int(CURLE_UPLOAD_FAILED) << 12003;
+        QTest::newRow("disk full") << int(CURLE_REMOTE_DISK_FULL) << 12003;
+        QTest::newRow("user refused") << int(CURLE_LOGIN_DENIED) << 12013;
+        QTest::newRow("nested") << int(CURLE_RECURSIVE_API_CALL) << 12019;
+        QTest::newRow("bad address") << int(CURLE_URL_MALFORMAT) << 12005;
+        QTest::newRow("other") << int(CURLE_SSL_CONNECT_ERROR) << 12004;
+    }
+
+    void libraryFailuresHaveTheirNumbers()
+    {
+        QFETCH(int, code);
+        QFETCH(int, number);
+        const FtpConnection unused(FtpAddress::fromServerField(QStringLiteral("127.0.0.1")),
+                                   QString(), QString());
+        QCOMPARE(FtpErrors::NumberFor(CURLcode(code), unused), number);
+    }
+
+    void composedTextPutsTheTextFirst()
+    {
+        QCOMPARE(
+            FtpErrors::Compose(12029, QStringLiteral("DeleteFTPFile"), QStringLiteral("ignored")),
+            QStringLiteral("Attempt to connect to the server failed. Message: 12029 error code: "
+                           "DeleteFTPFile"));
+        QCOMPARE(FtpErrors::Compose(12003, QStringLiteral("DeleteFTPFile"),
+                                    QStringLiteral("550 No such file.")),
+                 QStringLiteral("550 No such file."));
+        QCOMPARE(FtpErrors::Compose(12003, QStringLiteral("DeleteFTPFile"), QString()),
+                 QStringLiteral("Extended error returned from server."));
     }
 
     void dosListingServer()

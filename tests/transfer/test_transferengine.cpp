@@ -13,6 +13,35 @@
 #include <QPushButton>
 #include <QTimer>
 
+// The real dialogs, with a note of every status line they were asked to show.
+class NotingTransferUi final : public TransferUi
+{
+public:
+    explicit NotingTransferUi(DialogTransferUi &real) : m_real(real) {}
+    void ShowProgress() override { m_real.ShowProgress(); }
+    void HideProgress() override { m_real.HideProgress(); }
+    void UnloadProgress() override { m_real.UnloadProgress(); }
+    void FloodFillInit(double total, const QString &status) override
+    {
+        m_real.FloodFillInit(total, status);
+    }
+    void FloodFillUpdate(double value) override { m_real.FloodFillUpdate(value); }
+    void FloodShowStatus(const QString &text) override
+    {
+        statuses << text;
+        m_real.FloodShowStatus(text);
+    }
+    void SetBusyCursor(bool busy) override { m_real.SetBusyCursor(busy); }
+    void ShowUploadError(const QString &text, int number) override
+    {
+        m_real.ShowUploadError(text, number);
+    }
+    QStringList statuses;
+
+private:
+    DialogTransferUi &m_real;
+};
+
 class TestTransferEngine : public QObject
 {
     Q_OBJECT
@@ -198,6 +227,28 @@ private slots:
         clock.start();
         form.ShowAndWait();
         QVERIFY(clock.elapsed() < 2000);
+    }
+
+    void statusWordsFollowTheConnection()
+    {
+        const QString local = m_local.filePath(QStringLiteral("words.txt"));
+        WriteTestFile(local, "words");
+        DialogTransferUi real(JobState::instance());
+        real.ShowProgress();
+        NotingTransferUi ui(real);
+        TransferEngine engine(ui, JobState::instance());
+        QVERIFY(engine.SessionUpload(m_server->server(), m_server->user(), m_server->password(),
+                                     QStringLiteral("/"), local));
+        const QString port = QString::number(m_server->port());
+        const QStringList expected = {QStringLiteral("HTTP request redirected to 127.0.0.1"),
+                                      QStringLiteral("Connecting to server...127.0.0.1:") + port,
+                                      QStringLiteral("Connected to 127.0.0.1"),
+                                      QStringLiteral("Closing connection"),
+                                      QStringLiteral("Connection closed")};
+        QCOMPARE(ui.statuses.size(), 6);
+        QVERIFY(ui.statuses.first().startsWith(QStringLiteral("Handle created: ")));
+        QCOMPARE(ui.statuses.mid(1), expected);
+        real.UnloadProgress();
     }
 
     void sessionUploadSendsTheWholeFileUnderItsName()
