@@ -29,7 +29,7 @@ QString SizeText(qint64 bytes)
 {
     if (bytes < 1024)
         return QStringLiteral("%1 bytes").arg(bytes);
-    return QLocale::c().formattedDataSize(bytes, 2, QLocale::DataSizeTraditionalFormat);
+    return QLocale::c().formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat);
 }
 
 QString FilePointerPath(const QString &uploadPath, const QString &name)

@@ -9,7 +9,7 @@
 // S ", " T " for the flags that are set, in that order.
 QString AttributeText(quint32 attributes);
 
-// The size column of a file: a short form such as "532 bytes", "1.21 KB" or "3.4 MB".
+// The size column of a file: a short form such as "532 bytes", "1.2 kB" or "3.4 MB".
 QString SizeText(qint64 bytes);
 
 // The size column of a directory.

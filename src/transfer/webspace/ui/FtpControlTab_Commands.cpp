@@ -123,6 +123,7 @@ void FtpControlTab::cmdDisconnect_Click()
     m_lv->clear();
     EnableFTPButtons(false);
     m_window.setWindowTitle(QStringLiteral("Tarnwick - Ready to Connect"));
+    m_window.statusBar()->clearMessage();
     m_window.shapeEvent(40);
 }
 

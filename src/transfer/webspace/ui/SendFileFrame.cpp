@@ -63,7 +63,13 @@ SendFileFrame::SendFileFrame(frmMain &window, FtpControlTab &tab, QWidget *paren
     m_pointer->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_pointer->setWordWrap(true);
 
-    auto *layout = new QVBoxLayout(this);
+    auto *column = new QWidget(this);
+    column->setMaximumWidth(900);
+    auto *outer = new QHBoxLayout(this);
+    outer->addWidget(column, 1);
+    outer->addStretch(0);
+    auto *layout = new QVBoxLayout(column);
+    layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(intro);
     layout->addWidget(fileBox);
     layout->addWidget(sendBox);
