@@ -8,7 +8,10 @@
 #include <QFrame>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProcess>
 #include <QPushButton>
+#include <QRegularExpression>
+#include <QTemporaryDir>
 #include <QTreeWidget>
 
 // The root search against a real server: which directory it takes, what it writes, what it
@@ -220,6 +223,38 @@ private slots:
         QVERIFY(!m_tab->RootFound());
         // Both directories were walked into and probed.
         QCOMPARE(readOnly.countCommands(QStringLiteral("MKD")), 2);
+    }
+
+    void readOnlyDirectoryIsPassedOverForAWritableOneBelow()
+    {
+        // public_html holds a home page but can't be written to; its sub-directory www can.
+        QTemporaryDir served;
+        QDir().mkpath(served.filePath(QStringLiteral("public_html/www")));
+        writeFile(served.filePath(QStringLiteral("public_html/index.html")), "x");
+        writeFile(served.filePath(QStringLiteral("public_html/www/index.html")), "x");
+        QProcess server;
+        server.start(FtpTestServer::pythonProgram(),
+                     {QStringLiteral(WEBSPACE_TEST_DIR "/permserver.py"), QStringLiteral("--home"),
+                      served.path(), QStringLiteral("--perm"), QStringLiteral("public_html=elr"),
+                      QStringLiteral("--perm"), QStringLiteral("public_html/www=elradfmwMT")});
+        QByteArray output;
+        static const QRegularExpression portLine(QStringLiteral("PORT (\\d+)"));
+        QRegularExpressionMatch match;
+        while (!match.hasMatch() && server.waitForReadyRead(10000)) {
+            output += server.readAllStandardOutput();
+            match = portLine.match(QString::fromUtf8(output));
+        }
+        QVERIFY2(match.hasMatch(), output.constData());
+        m_fx->window->txtServer()->setText(QStringLiteral("127.0.0.1:") + match.captured(1));
+        m_fx->window->txtUser()->setText(QStringLiteral("tarnwick"));
+        m_fx->window->txtPassword()->setText(QStringLiteral("secret"));
+        search();
+        server.kill();
+        server.waitForFinished(3000);
+        QVERIFY(m_tab->RootFound());
+        QCOMPARE(m_fx->ui.messages.first().text,
+                 QStringLiteral("The Root was Found! '/public_html/www'"));
+        QCOMPARE(GetSetting(QStringLiteral("FTPRoot")), QStringLiteral("public_html/www"));
     }
 
     void treeWiderThanTheTableEndsNotFound()
