@@ -79,6 +79,10 @@ int main(int argc, char *argv[])
     f.selectSource({names[12]});
     QTest::qWait(200);
     f.frame().grab().save(QString::fromLocal8Bit(argv[1]));
+    if (const QByteArray pdf = qgetenv("TARNWICK_SHOT_PDF"); !pdf.isEmpty()) {
+        f.pdfPath = QString::fromLocal8Bit(pdf);
+        f.frame().readyToSend()->PrintList();
+    }
 
     auto *tabs = f.find<QTabWidget>(QStringLiteral("TabStrip2"));
     for (int tab = 1; tab < 3 && argc > 1 + tab; ++tab) {
