@@ -96,8 +96,10 @@ int main(int argc, char *argv[])
     for (const char *name : {"Top.txt", "Left.txt", "Right.txt", "End.txt"}) {
         const QString target = Folders::PhotosFolder() + QLatin1Char('/') + QLatin1String(name);
         if (!QFile::exists(target) &&
-            !QFile::copy(Folders::ProgramFolder() + QLatin1Char('/') + QLatin1String(name), target)) {
-            std::fprintf(stderr, "no photo templates in %s\n", qPrintable(Folders::ProgramFolder()));
+            !QFile::copy(Folders::ProgramFolder() + QLatin1Char('/') + QLatin1String(name),
+                         target)) {
+            std::fprintf(stderr, "no photo templates in %s\n",
+                         qPrintable(Folders::ProgramFolder()));
             return 2;
         }
     }

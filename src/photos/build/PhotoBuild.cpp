@@ -39,11 +39,6 @@ void PhotoBuildJob::yield()
     m_context.ui.ProcessEvents();
 }
 
-bool PhotoBuildJob::stopped() const
-{
-    return m_context.state.UploadCancelled;
-}
-
 PhotoBuildOutcome PhotoBuildJob::cmdBuildAll()
 {
     JobState &state = m_context.state;

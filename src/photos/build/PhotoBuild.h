@@ -119,7 +119,6 @@ private:
     void enterListed(const QString &name);
     void showStep(const QString &status, const QString &stepOf = QString());
     void yield();
-    bool stopped() const;
 
     PhotoPage &m_page;
     TransferContext &m_context;
