@@ -48,6 +48,9 @@ private:
         QStringList actions;
         bool shot = false;
         frmMain *window = nullptr;
+        // Cancel in the progress frame while this section goes up (0: never).
+        int cancelAtSection = 0;
+        bool cancelled = false;
 
         void tick()
         {
@@ -80,6 +83,14 @@ private:
                 }
             }
             const QString status = window->Status_text()->text();
+            const QString stepOf = window->Stepof()->text();
+            const int section = stepOf.section(QLatin1Char(' '), 3, 3)
+                                    .toInt(); // "Currently loading section n of m"
+            if (cancelAtSection > 0 && !cancelled && section >= cancelAtSection) {
+                cancelled = true;
+                if (auto *cancel = window->findChild<QPushButton *>(QStringLiteral("CancelButton")))
+                    cancel->click();
+            }
             if (!shot && status.startsWith(QStringLiteral("Uploading the ")) &&
                 !window->Stepof()->text().contains(QStringLiteral("section 2 "))) {
                 shot = true;
@@ -239,6 +250,64 @@ private slots:
         without.removeAll(QStringLiteral("Sml_00050_Zoo.jpg"));
         QCOMPARE(thumbnailsOf(folder + QStringLiteral("/Photos.htm")), without);
         QVERIFY(QFileInfo(folder + QStringLiteral("/Sml_00050_Zoo.jpg")).isFile());
+        pump.stop();
+    }
+    void theProgressFramesCancelStopsAndASecondPressFinishes()
+    {
+        FtpTestServer server;
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        QTemporaryDir source, working;
+        for (int i = 0; i < 6; ++i)
+            QVERIFY(makePhoto(source.filePath(QStringLiteral("P%1.jpg").arg(i)),
+                              QColor::fromHsv(i * 50, 180, 220)));
+        SaveSetting(SettingKey::TempPath, working.path());
+        SaveSetting(QStringLiteral("CopyPath"), source.path());
+
+        cFTP ftp;
+        frmMain window;
+        PhotoFrame *frame = InstallPhotoFrame(window);
+        PhotoBuildController *build = InstallPhotoBuild(window, *frame, ftp);
+        frmAction::Install(&window);
+        frame->readFolders();
+        window.txtServer()->setText(server.server());
+        window.txtUser()->setText(server.user());
+        window.txtPassword()->setText(server.password());
+        window.txtWebSite()->setText(QStringLiteral("www.example.com"));
+        window.show();
+        window.FunctionSelectButton_Click(0);
+
+        Driver driver;
+        driver.window = &window;
+        driver.shot = true;
+        driver.cancelAtSection = 6;
+        QTimer pump;
+        QObject::connect(&pump, &QTimer::timeout, [&driver] { driver.tick(); });
+        pump.start(1);
+
+        for (int i = 0; i < 6; ++i)
+            copyPicture(frame, QStringLiteral("P%1.jpg").arg(i), 0, QStringLiteral("50"));
+        QGuiApplication::clipboard()->setText(QStringLiteral("before"));
+        driver.answers.enqueue(QStringLiteral("Stopped"));
+        auto *buildAll = button(&window, QStringLiteral("cmdBuildAll"));
+        buildAll->click();
+        QVERIFY(driver.cancelled);
+        QCOMPARE(build->lastOutcome(), PhotoBuildOutcome::Cancelled);
+        QVERIFY(driver.messages.isEmpty());
+        QVERIFY(driver.actions.isEmpty());
+        QVERIFY(QGuiApplication::clipboard()->text() !=
+                QStringLiteral("http://www.example.com/Photos/Stopped/Photos.htm"));
+        QCOMPARE(ListPictureFiles(working.path()).size(), 6);
+        QVERIFY(!window.ProgressFrame()->isVisible());
+        const QString folder = server.localPath(QStringLiteral("/Photos/Stopped"));
+        QVERIFY(!QFileInfo::exists(folder + QStringLiteral("/Photos.htm")));
+
+        driver.cancelAtSection = 0;
+        driver.answers.enqueue(QString());
+        buildAll->click();
+        QCOMPARE(build->lastOutcome(), PhotoBuildOutcome::Sent);
+        QCOMPARE(QDir(folder).entryList(QDir::Files).size(), 13);
+        QCOMPARE(QGuiApplication::clipboard()->text(),
+                 QStringLiteral("http://www.example.com/Photos/Stopped/Photos.htm"));
         pump.stop();
     }
 };
