@@ -508,6 +508,23 @@ private slots:
         QCOMPARE(world->ui.clipboard->text(),
                  QStringLiteral("http://www.example.com/ann_site/Photos/Client_page/Photos.htm"));
     }
+    void aPageFolderThatIsAFileEndsWithTheRebuildMessage()
+    {
+        auto world = makeWorld();
+        QVERIFY(QDir().mkpath(world->remote(QStringLiteral("/Photos"))));
+        QFile blocker(world->remote(QStringLiteral("/Photos/Blocked_page")));
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        blocker.close();
+        world->ui.answerPrompt(QStringLiteral("Blocked page"));
+        QCOMPARE(world->run(), PhotoBuildOutcome::WrongPath);
+        QCOMPARE(world->ui.messages.size(), 1);
+        QCOMPARE(world->ui.messages.at(0).text,
+                 QStringLiteral("The connection to the upload path has failed. Select the "
+                                "Rebuild option and the History file and resend."));
+        QVERIFY(!world->ftp.IsConnected());
+        QCOMPARE(ListPictureFiles(world->workingPath()).size(), 12);
+        QVERIFY(!world->ui.clipboard);
+    }
 };
 
 TARNWICK_TEST_MAIN(TestPhotoBuild)
