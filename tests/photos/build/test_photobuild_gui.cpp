@@ -226,6 +226,8 @@ private slots:
         found.first()->setSelected(true);
         auto *loadHst = button(&window, QStringLiteral("LoadHst"));
         QVERIFY(loadHst->isEnabled());
+        if (const QString shots = qEnvironmentVariable("TARNWICK_SCREENSHOT_DIR"); !shots.isEmpty())
+            window.grab().save(shots + QStringLiteral("/photobuild_history_tab.png"));
         loadHst->click();
         QCOMPARE(ListPictureFiles(working.path()).size(), 12);
         QCOMPARE(frame->TabStrip2()->currentIndex(), 0);

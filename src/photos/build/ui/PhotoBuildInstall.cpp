@@ -69,9 +69,12 @@ void PhotoBuildController::addHistoryButtons()
     QBoxLayout *column =
         showHst ? layoutHolding(showHst->parentWidget()->layout(), showHst) : nullptr;
     QWidget *owner = showHst ? showHst->parentWidget() : history;
-    const auto make = [owner](const QString &name, const QString &caption) {
+    // The new buttons take the look of the tab's own.
+    const int height = showHst ? showHst->minimumHeight() : 0;
+    const auto make = [owner, height](const QString &name, const QString &caption) {
         auto *button = new QPushButton(caption, owner);
         button->setObjectName(name);
+        button->setMinimumHeight(height);
         return button;
     };
     m_loadHst = make(QStringLiteral("LoadHst"), QStringLiteral("Load From the History File"));
