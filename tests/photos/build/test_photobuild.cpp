@@ -525,6 +525,51 @@ private slots:
         QCOMPARE(ListPictureFiles(world->workingPath()).size(), 12);
         QVERIFY(!world->ui.clipboard);
     }
+    void untickingThePhotoPromptMidwayGivesTheStandardText_data()
+    {
+        QTest::addColumn<bool>("blank");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("standard text") << false << "Photo...";
+        QTest::newRow("blank text") << true << "   ";
+    }
+    void untickingThePhotoPromptMidwayGivesTheStandardText()
+    {
+        QFETCH(bool, blank);
+        QFETCH(QString, text);
+        auto world = makeWorld();
+        world->window->file_prompt = true;
+        world->window->Skip_image_info = blank;
+        world->window->RunWithoutMenu = true;
+        world->ui.answerPrompt(QStringLiteral("Unticked"));
+        world->ui.answerPrompt(QStringLiteral("The first"), QStringLiteral("True"));
+        World *w = world.get();
+        world->ui.onProcessEvents = [w] {
+            if (w->ui.prompts.size() >= 2)
+                w->window->file_prompt = false;
+        };
+        QCOMPARE(world->run(), PhotoBuildOutcome::BuiltLocally);
+        QCOMPARE(world->ui.prompts.size(), 2);
+        const PhotoPage &page = PhotoPage::instance();
+        const QStringList rows = ListPictureFiles(world->workingPath());
+        const int first =
+            FindPhoto(page, RemoveGroupNumber(rows.at(0)), GetGroupNumber(rows.at(0)));
+        QCOMPARE(page.PhotoInfo[first], QStringLiteral("The first"));
+        const int last =
+            FindPhoto(page, RemoveGroupNumber(rows.last()), GetGroupNumber(rows.last()));
+        QCOMPARE(page.PhotoInfo[last], text);
+    }
+
+    void leavingTheTitlePromptEndsInSilence()
+    {
+        auto world = makeWorld();
+        world->window->title_prompt = true;
+        world->ui.answerPrompt(QStringLiteral("Titled"));
+        world->ui.answerPrompt(JobState::Skip);
+        QCOMPARE(world->run(), PhotoBuildOutcome::Skipped);
+        QVERIFY(world->ui.messages.isEmpty());
+        QCOMPARE(world->ui.prompts.size(), 2);
+        QVERIFY(world->server.commands().isEmpty());
+    }
 };
 
 TARNWICK_TEST_MAIN(TestPhotoBuild)

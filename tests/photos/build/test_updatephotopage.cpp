@@ -197,6 +197,25 @@ private slots:
         QVERIFY(!ftp.IsConnected());
         QCOMPARE(ListPictureFiles(working.path()).size(), 4);
     }
+    void leavingThePreviewsPromptBuildsNothing()
+    {
+        QTemporaryDir source, working;
+        makeSource(source.path());
+        PhotoPage &page = PhotoPage::instance();
+        QVERIFY(putOnList(page, source.path(), working.path(), photos()));
+        cFTP ftp;
+        ScriptedUi ui;
+        JobState state;
+        SilentTransferUi progress;
+        FtpTestServer server;
+        BuildTestWindow window(ftp, server, working.path());
+        TransferContext context{ftp, ui, state, window, progress};
+        QDir(Folders::PhotosHtmlFolder()).removeRecursively();
+        QVERIFY(!PhotoBuildJob(page, context, window).PhotoPreviewButton());
+        QVERIFY(ui.openedUrls.isEmpty());
+        QVERIFY(!QFileInfo::exists(Folders::PhotosHtmlFolder() + QStringLiteral("/Photos.htm")));
+        QVERIFY(ui.messages.isEmpty());
+    }
 };
 
 TARNWICK_TEST_MAIN(TestUpdatePhotoPage)
