@@ -410,6 +410,19 @@ private slots:
         QVERIFY(m_fx->ui.statusTexts.contains(QStringLiteral("Sending files")));
     }
 
+    void uploadStartsAfreshAfterAnEarlierCancel()
+    {
+        QTemporaryDir local;
+        writeFile(local.filePath(QStringLiteral("one.txt")), "1");
+        writeFile(local.filePath(QStringLiteral("two.txt")), "2");
+        connectTab();
+        JobState::instance().UserResponse = JobState::Skip;
+        m_tab->uploadFiles(local.path(), {local.filePath(QStringLiteral("one.txt")),
+                                          local.filePath(QStringLiteral("two.txt"))});
+        QCOMPARE(readFile(home("/one.txt")), QByteArray("1"));
+        QCOMPARE(readFile(home("/two.txt")), QByteArray("2"));
+    }
+
     void uploadIntoTheCurrentDirectory()
     {
         QTemporaryDir local;

@@ -227,6 +227,8 @@ void FtpControlTab::uploadFiles(const QString &baseFolder, const QStringList &fi
 {
     JobUi &ui = m_ui;
     const QDir base(baseFolder);
+    m_state.UserResponse.clear();
+    m_state.UploadCancelled = false;
     ui.SetStatusText(QStringLiteral("Collecting Files and Information"));
     m_window.showProgressFrame(true);
     ui.ProcessEvents();
