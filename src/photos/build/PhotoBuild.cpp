@@ -103,9 +103,14 @@ PhotoBuildOutcome PhotoBuildJob::cmdBuildAll()
         m_window.setBusy(false);
         m_window.showProgressFrame(false);
         return PhotoBuildOutcome::Failed;
-    case JobConnection::NoClientRoot:
-        failureBranch(ftp.GetLastErrorMessage());
+    case JobConnection::NoClientRoot: {
+        const cDirItem *item = ftp.Directory().Item(connect.clientRoot.trimmed());
+        failureBranch(item && !item->isDirectory()
+                          ? QLatin1Char('"') + connect.clientRoot.trimmed() +
+                                QStringLiteral("\" on the web space is a file, not a directory")
+                          : ftp.GetLastErrorMessage());
         return PhotoBuildOutcome::Failed;
+    }
     case JobConnection::Connected:
         break;
     }

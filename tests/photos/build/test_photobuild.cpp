@@ -493,8 +493,9 @@ private slots:
         blocker.close();
         world->ui.answerPrompt(QStringLiteral("Client"));
         QCOMPARE(world->run(), PhotoBuildOutcome::Failed);
-        QVERIFY(world->ui.messages.last().text.startsWith(
-            QStringLiteral("failed to connect, retry. (")));
+        QCOMPARE(world->ui.messages.last().text,
+                 QStringLiteral("failed to connect, retry. (\"my_site\" on the web space is a "
+                                "file, not a directory)"));
     }
 
     void theClientRootHoldsThePhotos()
