@@ -4,9 +4,12 @@
 #include "StartupPage.h"
 #include "TestMain.h"
 #include "WebSpaceFixture.h"
+#include "WebSpaceInstall.h"
 
+#include <QAction>
 #include <QLabel>
 #include <QPushButton>
+#include <QTimer>
 
 // The Configuration page: what OK writes, what a test of the connection writes and says, and
 // what closing the page does.
@@ -230,6 +233,28 @@ private slots:
         QCOMPARE(m_programEnds, 0);
         QVERIFY(!m_page->isVisible());
         QVERIFY(!HasSetting(QStringLiteral("Server")));
+    }
+
+    void menuEntryOpensThePage()
+    {
+        // The window's SetupPrompt entry shows the installed page and waits for its answer.
+        frmMain window;
+        cFTP ftp;
+        const WebSpaceParts parts = InstallWebSpace(window, ftp, &m_fx->ui, m_fx->progress.get());
+        window.txtServer()->setText(m_server->server());
+        bool shown = false;
+        QTimer::singleShot(100, this, [&] {
+            shown = parts.page->isVisible();
+            const QStringList values = accountValues();
+            for (int i = 1; i <= 6; ++i)
+                parts.page->SettingValue(i)->setText(values.at(i - 1));
+            parts.page->findChild<QPushButton *>(QStringLiteral("Command1"))->click();
+        });
+        window.findChild<QAction *>(QStringLiteral("SetupPrompt"))->trigger();
+        QVERIFY(shown);
+        QVERIFY(!parts.page->isVisible());
+        QCOMPARE(parts.page->SettingValue(1)->text(), m_server->server());
+        QCOMPARE(GetSetting(QStringLiteral("entry")), QStringLiteral("5"));
     }
 
     void enterMovesToTheNextField()
