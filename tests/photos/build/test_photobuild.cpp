@@ -571,6 +571,22 @@ private slots:
         QCOMPARE(world->ui.prompts.size(), 2);
         QVERIFY(world->server.commands().isEmpty());
     }
+    void aPictureNameWithBlanksIsLinkedAndSent()
+    {
+        auto world = makeWorld();
+        QVERIFY(makePhoto(world->source.filePath(QStringLiteral("Old Mill.jpg")), Qt::darkYellow));
+        QVERIFY(putOnList(PhotoPage::instance(), world->source.path(), world->workingPath(),
+                          {{QStringLiteral("Old Mill.jpg"), QStringLiteral("00015")}}));
+        world->ui.answerPrompt(QStringLiteral("Mill"));
+        QCOMPARE(world->run(), PhotoBuildOutcome::Sent);
+        const QString folder = QStringLiteral("/Photos/Mill");
+        QVERIFY(thumbnailsOf(world->remote(folder + QStringLiteral("/Photos.htm")))
+                    .contains(QStringLiteral("Sml_00015_Old%20Mill.jpg")));
+        QVERIFY(
+            QFileInfo(world->remote(folder + QStringLiteral("/Sml_00015_Old Mill.jpg"))).isFile());
+        QVERIFY(
+            QFileInfo(world->remote(folder + QStringLiteral("/Lrg_00015_Old Mill.jpg"))).isFile());
+    }
 };
 
 TARNWICK_TEST_MAIN(TestPhotoBuild)
