@@ -38,7 +38,7 @@ int main(int argc, char *argv[])
     const WebSpaceParts webSpace = InstallWebSpace(window, mFTP);
     photoBuild->setListReloader([tab = webSpace.tab] { tab->ReloadFTPList(); });
     photoBuild->setDisconnector([tab = webSpace.tab] { tab->cmdDisconnect_Click(); });
-    frmAction::Install(&window);
+    frmAction::Install(&window, [&window] { window.HelpButton_Click(); });
     window.Load();
     window.show();
     return QApplication::exec();

@@ -464,7 +464,7 @@ private slots:
     {
         QWidget owner;
         owner.show();
-        frmAction::Install(&owner);
+        frmAction::Install(&owner, [] {});
         ScriptedUi ui;
         JobState state;
         bool stillThere = false;

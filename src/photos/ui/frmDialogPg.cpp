@@ -275,6 +275,8 @@ void frmDialogPg::PathText_LostFocus()
     }
     if (!m_dir->setPath(folder)) {
         showMessage(QStringLiteral("Path not found - ") + text);
+        // The box shows the open folder again, so OK never hands back a path that isn't there.
+        m_pathText->setText(m_dir->path());
         return;
     }
     // The same folder typed again still points both lists at it.

@@ -35,7 +35,9 @@ frmZoom::frmZoom(const QString &ZoomPicturePath, double ZoomPictureRatio, QWidge
     m_image1->setObjectName(QStringLiteral("Image1"));
     m_image1->setScaledContents(true);
     m_image1->installEventFilter(this);
-    m_image1->setToolTip(QStringLiteral("Double click to open the picture in the paint window"));
+    // The tip promises the paint window only where one is there to open.
+    if (paintOpener())
+        m_image1->setToolTip(QStringLiteral("Double click to open the picture in the paint window"));
 
     m_picture = ReadPicture(m_path);
     if (!m_picture.isNull()) {

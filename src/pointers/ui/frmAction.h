@@ -28,8 +28,9 @@ public:
     // what the Help button and menu call.
     static void ShowAndWait(JobUi &ui, JobState &state, QWidget *parent,
                             const std::function<void()> &help = {});
-    // Makes CopyPointer open this window over parent (normally frmMain) at the end of each job.
-    static void Install(QWidget *parent, std::function<void()> help = {});
+    // Makes CopyPointer open this window over parent (normally frmMain) at the end of each job;
+    // help is what its Help button and menu call (the main window's help, in the program).
+    static void Install(QWidget *parent, std::function<void()> help);
 
     // The mailto: text of the e-mail action for a subject, body and pointer, exactly as it is
     // handed on: "mailto:?Subject=...&Body=..." with the body's line breaks as code 11, two

@@ -150,7 +150,7 @@ private slots:
         frmMain window;
         PhotoFrame *frame = InstallPhotoFrame(window);
         PhotoBuildController *build = InstallPhotoBuild(window, *frame, ftp);
-        frmAction::Install(&window);
+        frmAction::Install(&window, [&window] { window.HelpButton_Click(); });
         frame->readFolders();
         window.txtServer()->setText(server.server());
         window.txtUser()->setText(server.user());
@@ -269,7 +269,7 @@ private slots:
         frmMain window;
         PhotoFrame *frame = InstallPhotoFrame(window);
         PhotoBuildController *build = InstallPhotoBuild(window, *frame, ftp);
-        frmAction::Install(&window);
+        frmAction::Install(&window, [&window] { window.HelpButton_Click(); });
         frame->readFolders();
         window.txtServer()->setText(server.server());
         window.txtUser()->setText(server.user());

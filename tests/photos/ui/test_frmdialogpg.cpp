@@ -321,6 +321,7 @@ private slots:
             QCOMPARE(catcher.texts, QStringList{QStringLiteral("Path not found - /no/such/place")});
         }
         QCOMPARE(form.dirPath(), QDir::homePath());
+        QCOMPARE(pathText->text(), QDir::homePath());
 
         pathText->setFocus();
         pathText->selectAll();

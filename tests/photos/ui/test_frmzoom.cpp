@@ -102,10 +102,20 @@ private slots:
         QString opened;
         frmZoom::setPaintOpener([&](const QString &path) { opened = path; });
         frmZoom zoom(m_wide, 1.5);
+        QVERIFY(!image1(zoom)->toolTip().isEmpty());
         zoom.show();
         QTest::mouseDClick(image1(zoom), Qt::LeftButton);
         QCOMPARE(opened, m_wide);
         frmZoom::setPaintOpener({});
+    }
+
+    void noPaintWindowNoPromise()
+    {
+        frmZoom zoom(m_wide, 1.5);
+        QVERIFY(image1(zoom)->toolTip().isEmpty());
+        zoom.show();
+        QTest::mouseDClick(image1(zoom), Qt::LeftButton);
+        QVERIFY(zoom.isVisible());
     }
 
     void missingPictureLeavesItEmpty()

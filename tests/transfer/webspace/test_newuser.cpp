@@ -7,6 +7,7 @@
 #include "WebSpaceInstall.h"
 #include "cFTP.h"
 #include "frmAction.h"
+#include "HelpWindow.h"
 #include "frmMain.h"
 
 #include <QClipboard>
@@ -84,6 +85,7 @@ class TestNewUser : public QObject
     Q_OBJECT
 private:
     QStringList m_boxes;
+    int m_actionHelpTopic = 0;
 
     // Answers every message box that comes up: No to a question, OK otherwise; closes Take an
     // Action. Records what the boxes said.
@@ -101,6 +103,12 @@ private:
                 if (button)
                     button->click();
             } else if (widget->objectName() == QLatin1String("frmAction")) {
+                // Its Help opens the main window's help at the page of the function on screen.
+                if (auto *help = widget->findChild<QPushButton *>(QStringLiteral("HelpButton")))
+                    help->click();
+                if (auto *main = qobject_cast<frmMain *>(widget->parentWidget());
+                    main && main->helpWindow()->isVisible())
+                    m_actionHelpTopic = main->helpWindow()->currentTopic();
                 if (auto *close = widget->findChild<QPushButton *>(QStringLiteral("CloseButton")))
                     close->click();
             }
@@ -130,7 +138,7 @@ private slots:
         cFTP ftp;
         frmMain window;
         const WebSpaceParts parts = InstallWebSpace(window, ftp);
-        frmAction::Install(&window);
+        frmAction::Install(&window, [&window] { window.HelpButton_Click(); });
         parts.page->setProgramEnd([] { QFAIL("the Configuration page ended the program"); });
 
         QTimer answerer;
@@ -184,6 +192,8 @@ private slots:
         QCOMPARE(pointer, QStringLiteral("http://%1/For_Ann/hello%20world.txt").arg(webSite));
         QCOMPARE(fetch(pointer), content);
         QVERIFY(!ftp.IsConnected());
+        // Send a File's help page.
+        QCOMPARE(m_actionHelpTopic, 9);
     }
 };
 
