@@ -32,6 +32,13 @@ void showOrHideProgress(TransferContext &context)
         context.progress.ShowProgress();
 }
 
+// A cancel reaches a job either way: dlgFTP's Cancel answers "!!Skip!!" and sets the flag, the
+// progress frame's CancelButton only sets the flag.
+bool jobCancelled(const JobState &state)
+{
+    return state.skipped() || state.UploadCancelled;
+}
+
 const QString DirectoryFailure = QStringLiteral(
     "Failed to create/find a directory, retry. Note:On some servers the root (main directory) "
     "for the FTP site is not at the same level as the web directory. This can cause problems. "
@@ -219,10 +226,10 @@ bool SendJobFiles(TransferContext &context, const QStringList &localPaths)
     for (int i = 0; i < total; ++i) {
         context.ui.SetStepOf(QStringLiteral("Currently loading section ") + QString::number(i + 1) +
                              QStringLiteral(" of ") + QString::number(total));
-        if (context.state.skipped())
+        if (jobCancelled(context.state))
             return false;
         UploadFileToFTP(context, localPaths.at(i));
-        if (context.state.skipped())
+        if (jobCancelled(context.state))
             return false;
     }
     return true;

@@ -99,7 +99,8 @@ enum class JobDirectory
 JobDirectory EnterJobDirectories(TransferContext &context, const QStringList &directories,
                                  const QString &expected);
 // "Sending Files": each file with "Currently loading section n of m" and UploadFileToFTP;
-// false as soon as UserResponse is "!!Skip!!" (no further file is sent).
+// false as soon as UserResponse is "!!Skip!!" or UploadCancelled is set (no further file is
+// sent).
 bool SendJobFiles(TransferContext &context, const QStringList &localPaths);
 // "Disconnecting" and cmdDisconnect's procedure.
 void DisconnectForJob(TransferContext &context);

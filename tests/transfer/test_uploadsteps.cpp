@@ -360,6 +360,45 @@ private slots:
         QCOMPARE(QDir(server.homePath()).entryList(QDir::Files), QStringList());
     }
 
+    void cancelButtonDuringTheSecondFileSendsNoThird()
+    {
+        // The first upload takes the first stall without reaching it; the second stalls.
+        FtpTestServer::Options options;
+        options.faults = {QStringLiteral("stall-after=300000")};
+        options.times = 2;
+        FtpTestServer server(options);
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        Job job(server);
+        QVERIFY(job.connect(server));
+        const QStringList files = {
+            localFile(QStringLiteral("first.txt"), "1"),
+            localFile(QStringLiteral("second.bin"), TestPattern(32 * 1024 * 1024)),
+            localFile(QStringLiteral("third.txt"), "3")};
+        QElapsedTimer sinceCancel;
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, [&] {
+            if (sinceCancel.isValid() || server.countCommands(QStringLiteral("STOR")) < 2)
+                return;
+            sinceCancel.start();
+            // What the progress frame's CancelButton does.
+            JobState::instance().UploadCancelled = true;
+        });
+        poll.start(200);
+        QVERIFY(!SendJobFiles(job.context, files));
+        poll.stop();
+        QVERIFY(sinceCancel.isValid());
+        QVERIFY2(sinceCancel.elapsed() < 3000, qPrintable(QString::number(sinceCancel.elapsed())));
+        QVERIFY(!JobState::instance().skipped());
+        QCOMPARE(job.ui.stepTexts.last(), QStringLiteral("Currently loading section 2 of 3"));
+        QCOMPARE(server.countCommands(QStringLiteral("STOR")), 2);
+        QVERIFY(!server.commands().contains(
+            QStringLiteral("STOR ") + TransferEngine::TemporaryName(QStringLiteral("third.txt"))));
+        // The first file is whole; of the second neither a cut copy nor a temporary one is left.
+        QCOMPARE(QDir(server.homePath()).entryList(QDir::Files),
+                 QStringList{QStringLiteral("first.txt")});
+        QCOMPARE(ReadTestFile(server.localPath(QStringLiteral("first.txt"))), QByteArray("1"));
+    }
+
     void runInBackgroundHidesTheDialog()
     {
         FtpTestServer server;

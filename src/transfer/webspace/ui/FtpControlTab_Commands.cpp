@@ -272,7 +272,8 @@ void FtpControlTab::uploadFiles(const QString &baseFolder, const QStringList &fi
         showUploadPath(m_ftp.CurrentDirectory());
         TransferContext context = transferContext();
         UploadFileToFTP(context, files.at(i));
-        if (m_state.UserResponse == JobState::Skip)
+        // dlgFTP's Cancel answers "!!Skip!!"; the progress frame's CancelButton sets the flag.
+        if (m_state.skipped() || m_state.UploadCancelled)
             break;
     }
 
