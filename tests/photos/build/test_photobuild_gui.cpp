@@ -15,6 +15,7 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QCheckBox>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QLabel>
@@ -254,6 +255,58 @@ private slots:
         QVERIFY(QFileInfo(folder + QStringLiteral("/Sml_00050_Zoo.jpg")).isFile());
         pump.stop();
     }
+    // Save All of a page without a name asks as Build All does: the name is cleaned of what a
+    // file name can't hold, and with title_prompt ticked the title and introduction are asked.
+    void saveAllNamesTheNewPageWithTheBuildPrompts()
+    {
+        QTemporaryDir source, working;
+        QVERIFY(makePhoto(source.filePath(QStringLiteral("Pier.jpg")), Qt::darkCyan));
+        SaveSetting(SettingKey::TempPath, working.path());
+        SaveSetting(QStringLiteral("CopyPath"), source.path());
+        ClearHistory(PhotoPage::instance());
+
+        cFTP ftp;
+        frmMain window;
+        PhotoFrame *frame = InstallPhotoFrame(window);
+        InstallPhotoBuild(window, *frame, ftp);
+        frame->readFolders();
+        window.show();
+        window.FunctionSelectButton_Click(0);
+        frame->readyToSend()->titlePrompt()->setChecked(true);
+
+        Driver driver;
+        driver.window = &window;
+        QTimer pump;
+        QObject::connect(&pump, &QTimer::timeout, [&driver] { driver.tick(); });
+        pump.start(2);
+
+        copyPicture(frame, QStringLiteral("Pier.jpg"), 0, QStringLiteral("50"));
+        // The name with characters a file name can't hold; the title and the introduction as
+        // offered.
+        driver.answers.enqueue(QStringLiteral("Trip/NY: May*"));
+        button(frame, QStringLiteral("EditButtons_3"))->click();
+        pump.stop();
+
+        QCOMPARE(driver.prompts.size(), 3);
+        QVERIFY(driver.prompts.at(0).startsWith(QStringLiteral("Enter the name of the webpage")));
+        QCOMPARE(driver.prompts.at(1), QStringLiteral("Enter a title..."));
+        QCOMPARE(driver.prompts.at(2),
+                 QStringLiteral("Enter an introduction to the photo group..."));
+        QVERIFY(driver.messages.isEmpty());
+        const PhotoPage &page = PhotoPage::instance();
+        QCOMPARE(page.FileName, QStringLiteral("TripNY_May"));
+        QCOMPARE(page.Title, QStringLiteral("Photos"));
+        QCOMPARE(page.GroupInfo, QStringLiteral("Below are some photos from us......."));
+
+        PhotoPage saved;
+        const QString path = Folders::HistoryFolder() + QStringLiteral("/TripNY_May.hst");
+        QVERIFY(QFileInfo(path).isFile());
+        QVERIFY(ReadHistoryFile(saved, path).ok);
+        QCOMPARE(saved.Title, QStringLiteral("Photos"));
+        QCOMPARE(saved.GroupInfo, QStringLiteral("Below are some photos from us......."));
+        QCOMPARE(saved.PhotoNumber, 1);
+    }
+
     void theProgressFramesCancelStopsAndASecondPressFinishes()
     {
         FtpTestServer server;

@@ -54,6 +54,8 @@ PhotoBuildController::PhotoBuildController(frmMain &window, PhotoFrame &frame, c
     window.placeRing(1, m_buildAll);
     connect(m_buildAll, &QPushButton::clicked, this, &PhotoBuildController::cmdBuildAll_Click);
     addHistoryButtons();
+    // Save All names a page that has no name yet with the prompts of Build All.
+    frame.services().namePage = [this] { return namePage(); };
 }
 
 PhotoBuildController::~PhotoBuildController()
@@ -125,6 +127,19 @@ void PhotoBuildController::cmdBuildAll_Click()
     m_lastOutcome = job.cmdBuildAll();
     m_running = false;
     updateHistoryButtons();
+}
+
+bool PhotoBuildController::namePage()
+{
+    if (m_running)
+        return false;
+    m_running = true;
+    JobState &state = JobState::instance();
+    state.UserResponse.clear();
+    TransferContext context{m_ftp, m_window.jobUi(), state, *this, *m_progress};
+    const bool named = PhotoBuildJob(m_frame.page(), context, *this).BuildWebTop(true);
+    m_running = false;
+    return named;
 }
 
 void PhotoBuildController::PhotoPreviewButton_Click()

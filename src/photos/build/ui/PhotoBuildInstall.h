@@ -38,6 +38,9 @@ public:
     void LoadHst_Click();
     void ShowHistoryButton_Click();
     void CopyPagePointerButton_Click();
+    // The page's name, title and introduction asked as Build All asks them, for a Save All of a
+    // page without a name; false when a prompt was left.
+    bool namePage();
 
     QPushButton *cmdBuildAll() const { return m_buildAll; }
     PhotoBuildOutcome lastOutcome() const { return m_lastOutcome; }
