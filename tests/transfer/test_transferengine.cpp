@@ -10,7 +10,9 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTimer>
 
 // The real dialogs, with a note of every status line they were asked to show.
@@ -34,9 +36,11 @@ public:
     void SetBusyCursor(bool busy) override { m_real.SetBusyCursor(busy); }
     void ShowUploadError(const QString &text, int number) override
     {
+        errors << text;
         m_real.ShowUploadError(text, number);
     }
     QStringList statuses;
+    QStringList errors;
 
 private:
     DialogTransferUi &m_real;
@@ -316,6 +320,58 @@ private slots:
                                       QStringLiteral("p"), QStringLiteral("/"), local));
         QCOMPARE(engine.LastError, 12029);
         QVERIFY(!formSeen);
+    }
+
+    void cancelledUploadShowsNoError()
+    {
+        FtpTestServer::Options options;
+        options.faults = {QStringLiteral("stall-after=200000")};
+        FtpTestServer stalling(options);
+        QVERIFY2(stalling.start(), qPrintable(stalling.errorString()));
+        const QString local = m_local.filePath(QStringLiteral("stopped.bin"));
+        WriteTestFile(local, TestPattern(16 * 1024 * 1024));
+        DialogTransferUi real(JobState::instance());
+        real.setErrorAutoCloseMs(50);
+        real.ShowProgress();
+        NotingTransferUi ui(real);
+        TransferEngine engine(ui, JobState::instance());
+        // Every distinct frmErrUpload that came up while the upload ran.
+        int forms = 0;
+        QPointer<frmErrUpload> lastForm;
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, [&] {
+            frmErrUpload *form = openErrorForm();
+            if (form && form != lastForm) {
+                lastForm = form;
+                ++forms;
+            }
+        });
+        poll.start(5);
+        bool cancelSent = false;
+        QTimer::singleShot(800, [&] {
+            cancelSent = true;
+            // What dlgFTP's Cancel does once the user confirms.
+            JobState::instance().UserResponse = JobState::Skip;
+            JobState::instance().UploadCancelled = true;
+        });
+        QVERIFY(!engine.SessionUpload(stalling.server(), stalling.user(), stalling.password(),
+                                      QStringLiteral("/"), local));
+        poll.stop();
+        QVERIFY(cancelSent);
+        QVERIFY(engine.LastWasCancelled);
+        QCOMPARE(forms, 0);
+        QCOMPARE(ui.errors, QStringList());
+        // The bar showed the upload's words and never an error's text.
+        QVERIFY(ui.statuses.contains(QStringLiteral("Closing connection")));
+        QStringList errorTexts = {FtpErrors::Description(0)};
+        for (int number = 12001; number <= 12036; ++number)
+            errorTexts << FtpErrors::Description(number);
+        for (const QString &status : std::as_const(ui.statuses)) {
+            QVERIFY2(!errorTexts.contains(status), qPrintable(status));
+            QVERIFY2(!QRegularExpression(QStringLiteral("^[45]\\d\\d ")).match(status).hasMatch(),
+                     qPrintable(status));
+        }
+        real.UnloadProgress();
     }
 
     void refusedStoreShowsTheServersReply()
