@@ -3,6 +3,8 @@
 #include <QString>
 #include <QUrl>
 
+#include <optional>
+
 class QMimeData;
 struct JobState;
 
@@ -22,8 +24,11 @@ public:
     // again afterwards.
     virtual void ShowInputBox(JobState &state) = 0;
     // A message box with the given title and buttons; returns the button pressed.
+    // defaultButton is the button that Enter presses (one of buttons); unset leaves the box's
+    // own choice, the first affirmative button.
     virtual Answer Message(const QString &text, const QString &title, Buttons buttons = Buttons::Ok,
-                           Icon icon = Icon::Information) = 0;
+                           Icon icon = Icon::Information,
+                           std::optional<Answer> defaultButton = std::nullopt) = 0;
     // MessageWithScroll: a long text the user reads and closes.
     virtual void ShowScrollMessage(const QString &text) = 0;
     // Status_text and Stepof of the shared progress frame.

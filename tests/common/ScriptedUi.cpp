@@ -23,9 +23,10 @@ void ScriptedUi::ShowInputBox(JobState &state)
     state.PromptMaxLength = 0;
 }
 
-JobUi::Answer ScriptedUi::Message(const QString &text, const QString &title, Buttons buttons, Icon)
+JobUi::Answer ScriptedUi::Message(const QString &text, const QString &title, Buttons buttons, Icon,
+                                  std::optional<Answer> defaultButton)
 {
-    messages.append({text, title, buttons});
+    messages.append({text, title, buttons, defaultButton});
     if (!m_messageAnswers.isEmpty())
         return m_messageAnswers.dequeue();
     return buttons == Buttons::YesNo || buttons == Buttons::YesNoCancel ? Answer::Yes : Answer::Ok;

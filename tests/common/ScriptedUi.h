@@ -29,6 +29,7 @@ public:
         QString text;
         QString title;
         Buttons buttons;
+        std::optional<Answer> defaultButton; // the button Enter would press, when one was given
     };
 
     // Answers for the next prompts, in order. mode is written to PromptMode when not empty.
@@ -39,7 +40,8 @@ public:
     std::function<void()> onProcessEvents;
 
     void ShowInputBox(JobState &state) override;
-    Answer Message(const QString &text, const QString &title, Buttons buttons, Icon icon) override;
+    Answer Message(const QString &text, const QString &title, Buttons buttons, Icon icon,
+                   std::optional<Answer> defaultButton) override;
     void ShowScrollMessage(const QString &text) override;
     void SetStatusText(const QString &text) override;
     void SetStepOf(const QString &text) override;

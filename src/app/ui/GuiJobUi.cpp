@@ -29,7 +29,7 @@ void GuiJobUi::ShowInputBox(JobState &state)
 }
 
 JobUi::Answer GuiJobUi::Message(const QString &text, const QString &title, Buttons buttons,
-                                Icon icon)
+                                Icon icon, std::optional<Answer> defaultButton)
 {
     QMessageBox box(&m_window);
     box.setWindowTitle(title);
@@ -64,6 +64,22 @@ JobUi::Answer GuiJobUi::Message(const QString &text, const QString &title, Butto
     case Buttons::YesNoCancel:
         box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
         break;
+    }
+    if (defaultButton) {
+        switch (*defaultButton) {
+        case Answer::Ok:
+            box.setDefaultButton(QMessageBox::Ok);
+            break;
+        case Answer::Cancel:
+            box.setDefaultButton(QMessageBox::Cancel);
+            break;
+        case Answer::Yes:
+            box.setDefaultButton(QMessageBox::Yes);
+            break;
+        case Answer::No:
+            box.setDefaultButton(QMessageBox::No);
+            break;
+        }
     }
     switch (box.exec()) {
     case QMessageBox::Yes:

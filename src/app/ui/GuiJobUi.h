@@ -13,7 +13,8 @@ public:
 
     void ShowInputBox(JobState &state) override;
     Answer Message(const QString &text, const QString &title, Buttons buttons = Buttons::Ok,
-                   Icon icon = Icon::Information) override;
+                   Icon icon = Icon::Information,
+                   std::optional<Answer> defaultButton = std::nullopt) override;
     void ShowScrollMessage(const QString &text) override;
     void SetStatusText(const QString &text) override;
     void SetStepOf(const QString &text) override;

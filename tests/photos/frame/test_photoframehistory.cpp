@@ -127,6 +127,8 @@ private slots:
         QCOMPARE(f.ui().messages[0].text,
                  QStringLiteral("Are you sure you want to delete the selected items?"));
         QCOMPARE(f.ui().messages[0].title, QStringLiteral("Delete Files"));
+        QCOMPARE(f.ui().messages[0].buttons, JobUi::Buttons::OkCancel);
+        QCOMPARE(f.ui().messages[0].defaultButton, std::optional(JobUi::Answer::Cancel));
         if (!message.isEmpty()) {
             QCOMPARE(f.ui().messages.size(), 2);
             QCOMPARE(f.ui().messages[1].text, message);

@@ -12,8 +12,11 @@
 #include <QFrame>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QTimer>
 
 class TestPhotoFrameInstall : public QObject
 {
@@ -71,6 +74,42 @@ private slots:
         QVERIFY(!QFile::exists(frame->readyToSend()->workingFolder() +
                                QStringLiteral("/00050_Tree.jpg")));
         QVERIFY(window.ring(0)->isShown());
+    }
+
+    // Deleting pictures of the source folder can't be undone: on the real box Enter keeps them.
+    void enterOnTheSourceDeleteQuestionKeepsThePictures()
+    {
+        frmMain window;
+        PhotoFrame *frame = InstallPhotoFrame(window);
+        window.Load();
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+
+        const QString source = TestHomePath() + QStringLiteral("/Pictures");
+        QDir().mkpath(source);
+        QVERIFY(MakeJpeg(source + QStringLiteral("/Tree.jpg")));
+        frame->readyToSend()->setSourceFolder(source);
+        frame->findChild<QListWidget *>(QStringLiteral("File2"))->selectAll();
+
+        QString text;
+        bool cancelIsDefault = false;
+        QTimer answer;
+        QObject::connect(&answer, &QTimer::timeout, &window, [&] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (!box)
+                return;
+            answer.stop();
+            text = box->text();
+            cancelIsDefault = box->defaultButton() == box->button(QMessageBox::Cancel) &&
+                              box->defaultButton() != nullptr;
+            QTest::keyClick(box, Qt::Key_Return);
+        });
+        answer.start(10);
+        frame->findChild<QPushButton *>(QStringLiteral("EditButtons_5"))->click();
+
+        QVERIFY(text.startsWith(QStringLiteral("These Files are from your source directory.")));
+        QVERIFY(cancelIsDefault);
+        QVERIFY(QFile::exists(source + QStringLiteral("/Tree.jpg")));
     }
 };
 

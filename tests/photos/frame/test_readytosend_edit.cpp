@@ -188,6 +188,8 @@ private slots:
         QCOMPARE(f.ui().messages[0].text,
                  QStringLiteral("Are you sure you want to delete the selected items?"));
         QCOMPARE(f.ui().messages[0].title, QStringLiteral("Delete Files"));
+        QCOMPARE(f.ui().messages[0].buttons, JobUi::Buttons::OkCancel);
+        QCOMPARE(f.ui().messages[0].defaultButton, std::optional(JobUi::Answer::Cancel));
         QCOMPARE(QFile::exists(f.readyFile(QStringLiteral("00050_Tree.jpg"))), !confirm);
         QCOMPARE(f.page().PhotoNumber, qint16(confirm ? 1 : 2));
         QCOMPARE(f.page().PhotoName[0],
@@ -204,6 +206,9 @@ private slots:
         QCOMPARE(f.ui().messages.size(), 1);
         QVERIFY(f.ui().messages[0].text.startsWith(
             QStringLiteral("These Files are from your source directory.")));
+        QCOMPARE(f.ui().messages[0].title, QStringLiteral("Delete Files"));
+        QCOMPARE(f.ui().messages[0].buttons, JobUi::Buttons::OkCancel);
+        QCOMPARE(f.ui().messages[0].defaultButton, std::optional(JobUi::Answer::Cancel));
         QVERIFY(!QFile::exists(f.sourceFile(QStringLiteral("Tree.jpg"))));
         QCOMPARE(f.names(f.file2()), QStringList{QStringLiteral("Lake.jpg")});
         QVERIFY(QFile::exists(f.readyFile(QStringLiteral("00050_Tree.jpg"))));

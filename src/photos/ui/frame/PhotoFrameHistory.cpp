@@ -143,8 +143,8 @@ void PhotoFrameHistory::DeleteHstButton_Click()
 {
     if (m_services.ui->Message(
             QStringLiteral("Are you sure you want to delete the selected items?"),
-            QStringLiteral("Delete Files"), JobUi::Buttons::OkCancel,
-            JobUi::Icon::Question) != JobUi::Answer::Ok)
+            QStringLiteral("Delete Files"), JobUi::Buttons::OkCancel, JobUi::Icon::Question,
+            JobUi::Answer::Cancel) != JobUi::Answer::Ok)
         return;
     const QString name = selectedFile();
     if (name.isEmpty()) {

@@ -207,7 +207,8 @@ void ReadyToSendPage::DeleteFromReady()
         return;
     if (m_services.ui->Message(
             QStringLiteral("Are you sure you want to delete the selected items?"), DeleteFiles,
-            JobUi::Buttons::OkCancel, JobUi::Icon::Question) != JobUi::Answer::Ok)
+            JobUi::Buttons::OkCancel, JobUi::Icon::Question,
+            JobUi::Answer::Cancel) != JobUi::Answer::Ok)
         return;
     for (const QString &name : names) {
         DoKill(readyPath(name));
@@ -227,7 +228,8 @@ void ReadyToSendPage::DeleteFromSource()
     if (m_services.ui->Message(
             QStringLiteral("These Files are from your source directory. Are you sure you want to "
                            "delete the selected items? This delete can not be undone."),
-            DeleteFiles, JobUi::Buttons::OkCancel, JobUi::Icon::Warning) != JobUi::Answer::Ok)
+            DeleteFiles, JobUi::Buttons::OkCancel, JobUi::Icon::Warning,
+            JobUi::Answer::Cancel) != JobUi::Answer::Ok)
         return;
     for (const QString &name : names)
         DoKill(sourcePath(name));
