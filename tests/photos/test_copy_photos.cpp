@@ -2,14 +2,20 @@
 #include "JobState.h"
 #include "PhotoPage.h"
 #include "PictureFixtures.h"
+#include "PictureSizing.h"
 #include "ScriptedUi.h"
 #include "TestMain.h"
 
 #include <QCryptographicHash>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QImageReader>
+#include <QPainter>
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTimer>
+
+#include <functional>
 
 using namespace Fixtures;
 
@@ -31,6 +37,52 @@ QMap<QString, QByteArray> snapshot(const QString &folder)
         files.insert(name, QCryptographicHash::hash(readFile(folder + "/" + name),
                                                     QCryptographicHash::Sha1));
     return files;
+}
+
+// A camera-like picture: colour gradients under a grain of noise, so that the JPEG decoder has
+// real work in every block.
+QImage grainyPhoto(int width, int height)
+{
+    QImage image(width, height, QImage::Format_RGB32);
+    QPainter painter(&image);
+    QLinearGradient sky(0, 0, width, height);
+    sky.setColorAt(0, QColor(40, 90, 200));
+    sky.setColorAt(0.5, QColor(230, 200, 120));
+    sky.setColorAt(1, QColor(30, 120, 40));
+    painter.fillRect(image.rect(), sky);
+    painter.end();
+    QRandomGenerator random(7);
+    for (int y = 0; y < height; ++y) {
+        auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
+        for (int x = 0; x < width; ++x) {
+            const int grain = int(random.bounded(48)) - 24;
+            const QRgb pixel = line[x];
+            line[x] =
+                qRgb(qBound(0, qRed(pixel) + grain, 255), qBound(0, qGreen(pixel) + grain, 255),
+                     qBound(0, qBlue(pixel) + grain, 255));
+        }
+    }
+    return image;
+}
+
+// The longest time a 10 ms timer went without a tick while work ran, in milliseconds, the
+// stretch from the last tick to the end of work included.
+qint64 longestGap(const std::function<void()> &work)
+{
+    QElapsedTimer clock;
+    qint64 last = 0;
+    qint64 longest = 0;
+    QTimer timer;
+    timer.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        const qint64 now = clock.elapsed();
+        longest = std::max(longest, now - last);
+        last = now;
+    });
+    timer.start(10);
+    clock.start();
+    work();
+    return std::max(longest, clock.elapsed() - last);
 }
 
 } // namespace
@@ -207,16 +259,44 @@ private slots:
         QVERIFY(ui.messages.isEmpty());
     }
 
-    void eventLoopStaysLive()
+    void eventLoopStaysServedWhileSizing()
     {
-        picture("00050_big.jpg", QSize(3000, 2000));
-        int ticks = 0;
-        QTimer timer;
-        connect(&timer, &QTimer::timeout, [&] { ++ticks; });
-        timer.start(0);
+        // Four 24-megapixel photos, the enlarged copy at full size: each picture is a long
+        // stretch of decoding, scaling and encoding.
+        const QByteArray photo = jpegBytes(grainyPhoto(6000, 4000), 95);
+        for (int i = 0; i < 4; ++i)
+            QVERIFY(writeFile(m_work + QString("/00050_big%1.jpg").arg(i), photo));
+        CopyPhotosInput in = input();
+        in.My_resize_0 = "50";
+        in.My_resize_1 = "100";
+        in.threads = 2;
+        const qint64 limit = 250;
+
+        // One picture sized on this thread starves the timer for longer than the limit, so the
+        // measure below does see a blocked event loop.
+        const qint64 blocked = longestGap([&] {
+            const SizeResult result =
+                SizePhoto(m_work + "/00050_big0.jpg", m_dir->filePath("Lrg_alone.jpg"), 100,
+                          m_dir->filePath("Sml_alone.jpg"), 50);
+            QVERIFY(result.loadError.isEmpty());
+        });
+        QVERIFY2(blocked > limit, qPrintable(QString("sized on this thread: %1 ms").arg(blocked)));
+
         ScriptedUi ui;
-        QVERIFY(CopyPhotos(m_target, true, input(), m_page, ui, m_state));
-        QVERIFY(ticks > 0);
+        bool done = false;
+        const qint64 gap =
+            longestGap([&] { done = CopyPhotos(m_target, true, in, m_page, ui, m_state); });
+        qInfo("longest gap between ticks while sizing: %lld ms; one picture sized on this "
+              "thread: %lld ms",
+              gap, blocked);
+        QVERIFY(done);
+        QVERIFY(ui.messages.isEmpty());
+        for (int i = 0; i < 4; ++i)
+            QCOMPARE(sizeOf(m_target + QString("/Lrg_00050_big%1.jpg").arg(i)), QSize(6000, 4000));
+        QVERIFY2(gap < limit, qPrintable(QString("longest gap between ticks: %1 ms (one picture "
+                                                 "sized on this thread: %2 ms)")
+                                             .arg(gap)
+                                             .arg(blocked)));
     }
 
     void namesWithBlanksCommasAndLetters()
