@@ -4,6 +4,7 @@
 #include "JobState.h"
 #include "PhotoBuildInstall.h"
 #include "PhotoFrame.h"
+#include "PhotoFrameHistory.h"
 #include "PhotoFrameInstall.h"
 #include "ReadyToSendPage.h"
 #include "Settings.h"
@@ -305,6 +306,71 @@ private slots:
         QCOMPARE(saved.Title, QStringLiteral("Photos"));
         QCOMPARE(saved.GroupInfo, QStringLiteral("Below are some photos from us......."));
         QCOMPARE(saved.PhotoNumber, 1);
+    }
+
+    // On the History tab a file chosen once leaves LoadHst and DeleteHstButton enabled and
+    // ShowHst is always there: with nothing selected each of them says so.
+    void theHistoryButtonsWithNothingSelectedSaySo()
+    {
+        QTemporaryDir working;
+        SaveSetting(SettingKey::TempPath, working.path());
+        PhotoPage kept;
+        kept.FileName = QStringLiteral("Kept");
+        QVERIFY(SaveHistory(kept).ok);
+
+        cFTP ftp;
+        frmMain window;
+        PhotoFrame *frame = InstallPhotoFrame(window);
+        InstallPhotoBuild(window, *frame, ftp);
+        frame->readFolders();
+        window.show();
+        window.FunctionSelectButton_Click(0);
+        frame->TabStrip2()->setCurrentIndex(1);
+
+        Driver driver;
+        driver.window = &window;
+        QTimer pump;
+        QObject::connect(&pump, &QTimer::timeout, [&driver] { driver.tick(); });
+        pump.start(2);
+
+        auto *file4 = window.findChild<QListWidget *>(QStringLiteral("File4_0"));
+        auto *loadHst = button(&window, QStringLiteral("LoadHst"));
+        auto *showHst = button(&window, QStringLiteral("ShowHst"));
+        auto *deleteHst = button(&window, QStringLiteral("DeleteHstButton"));
+        QVERIFY(file4 && loadHst && showHst && deleteHst);
+        frame->historyPage()->refreshFiles();
+        QVERIFY(!loadHst->isEnabled());
+        QVERIFY(!deleteHst->isEnabled());
+        QVERIFY(showHst->isEnabled());
+
+        QTest::mouseClick(showHst, Qt::LeftButton);
+        QCOMPARE(driver.messages, QStringList{QStringLiteral("No file has been selected.")});
+
+        // A click on the file, and a second one with Ctrl that unselects it again.
+        const auto items = file4->findItems(QStringLiteral("Kept.hst"), Qt::MatchExactly);
+        QVERIFY(!items.isEmpty());
+        const QPoint at = file4->visualItemRect(items.first()).center();
+        QTest::mouseClick(file4->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+        QVERIFY(loadHst->isEnabled() && deleteHst->isEnabled());
+        QTest::mouseClick(file4->viewport(), Qt::LeftButton, Qt::ControlModifier, at);
+        QVERIFY(file4->selectedItems().isEmpty());
+        QVERIFY(loadHst->isEnabled() && deleteHst->isEnabled() && showHst->isEnabled());
+
+        driver.messages.clear();
+        QTest::mouseClick(loadHst, Qt::LeftButton);
+        QCOMPARE(driver.messages, QStringList{QStringLiteral("Select a History file and retry.")});
+
+        driver.messages.clear();
+        QTest::mouseClick(deleteHst, Qt::LeftButton);
+        QCOMPARE(driver.messages,
+                 (QStringList{QStringLiteral("Are you sure you want to delete the selected items?"),
+                              QStringLiteral("No file has been selected.")}));
+        QVERIFY(QFileInfo(Folders::HistoryFolder() + QStringLiteral("/Kept.hst")).isFile());
+
+        driver.messages.clear();
+        QTest::mouseClick(showHst, Qt::LeftButton);
+        QCOMPARE(driver.messages, QStringList{QStringLiteral("No file has been selected.")});
+        pump.stop();
     }
 
     void theProgressFramesCancelStopsAndASecondPressFinishes()

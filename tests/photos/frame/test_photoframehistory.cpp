@@ -56,11 +56,42 @@ private slots:
         auto *file4 = f.find<QListWidget>(QStringLiteral("File4_0"));
         QCOMPARE(f.names(file4),
                  (QStringList{QStringLiteral("Beach.hst"), QStringLiteral("zoo.hst")}));
-        QVERIFY(!f.find<QPushButton>(QStringLiteral("ShowHst"))->isEnabled());
+        QVERIFY(f.find<QPushButton>(QStringLiteral("ShowHst"))->isEnabled());
         QVERIFY(!f.find<QPushButton>(QStringLiteral("DeleteHstButton"))->isEnabled());
         f.clickRow(file4, QStringLiteral("zoo.hst"));
         QVERIFY(f.find<QPushButton>(QStringLiteral("ShowHst"))->isEnabled());
         QVERIFY(f.find<QPushButton>(QStringLiteral("DeleteHstButton"))->isEnabled());
+        // Once a file was chosen, the buttons stay, also with nothing selected.
+        f.clickRow(file4, QStringLiteral("zoo.hst"), Qt::ControlModifier);
+        QVERIFY(f.frame().historyPage()->selectedFile().isEmpty());
+        QVERIFY(f.find<QPushButton>(QStringLiteral("ShowHst"))->isEnabled());
+        QVERIFY(f.find<QPushButton>(QStringLiteral("DeleteHstButton"))->isEnabled());
+    }
+
+    void theButtonsWithNothingSelectedSaySo()
+    {
+        FrameFixture f;
+        writeHistory(QStringLiteral("Kept"), QStringLiteral("Kept"));
+        f.frame().historyPage()->refreshFiles();
+        f.find<QTabWidget>(QStringLiteral("TabStrip2"))->setCurrentIndex(1);
+        auto *file4 = f.find<QListWidget>(QStringLiteral("File4_0"));
+        f.page().FileName = QStringLiteral("Current");
+
+        f.click(QStringLiteral("ShowHst"));
+        QCOMPARE(f.ui().messages.size(), 1);
+        QCOMPARE(f.ui().messages[0].text, QStringLiteral("No file has been selected."));
+        QVERIFY(f.ui().scrollMessages.isEmpty());
+        QCOMPARE(f.page().FileName, QStringLiteral("Current"));
+
+        f.clickRow(file4, QStringLiteral("Kept.hst"));
+        f.clickRow(file4, QStringLiteral("Kept.hst"), Qt::ControlModifier);
+        f.ui().answerMessage(JobUi::Answer::Ok);
+        f.click(QStringLiteral("DeleteHstButton"));
+        QCOMPARE(f.ui().messages.size(), 3);
+        QCOMPARE(f.ui().messages[1].text,
+                 QStringLiteral("Are you sure you want to delete the selected items?"));
+        QCOMPARE(f.ui().messages[2].text, QStringLiteral("No file has been selected."));
+        QCOMPARE(f.names(file4), QStringList{QStringLiteral("Kept.hst")});
     }
 
     void showingAFileLoadsItsRecordSoThatSaveAllWritesIt()

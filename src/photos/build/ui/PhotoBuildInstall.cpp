@@ -80,6 +80,7 @@ void PhotoBuildController::addHistoryButtons()
         return button;
     };
     m_loadHst = make(QStringLiteral("LoadHst"), QStringLiteral("Load From the History File"));
+    m_loadHst->setEnabled(false);
     m_showHistory =
         make(QStringLiteral("ShowHistoryButton"), QStringLiteral("Load && Display Photo Details"));
     m_preview = make(QStringLiteral("PhotoPreviewButton"), QStringLiteral("Preview"));
@@ -110,9 +111,12 @@ void PhotoBuildController::addHistoryButtons()
     updateHistoryButtons();
 }
 
+// LoadHst waits for the first file chosen in File4 and then stays: with nothing selected the
+// load says so.
 void PhotoBuildController::updateHistoryButtons()
 {
-    m_loadHst->setEnabled(!m_frame.historyPage()->selectedFile().isEmpty());
+    if (!m_frame.historyPage()->selectedFile().isEmpty())
+        m_loadHst->setEnabled(true);
     m_copyPagePointer->setEnabled(!m_frame.historyPage()->pagePointer().isEmpty());
 }
 

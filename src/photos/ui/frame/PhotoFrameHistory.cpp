@@ -43,6 +43,7 @@ PhotoFrameHistory::PhotoFrameHistory(PhotoPage &page, PhotoFrameServices &servic
     connect(m_showHst, &QPushButton::clicked, this, &PhotoFrameHistory::ShowHst_Click);
     m_deleteHst = new QPushButton(QStringLiteral("Delete the Selected History File"), frame);
     m_deleteHst->setObjectName(QStringLiteral("DeleteHstButton"));
+    m_deleteHst->setEnabled(false);
     connect(m_deleteHst, &QPushButton::clicked, this, &PhotoFrameHistory::DeleteHstButton_Click);
 
     m_file4->setStyleSheet(QStringLiteral("QListWidget::item { padding: 3px 4px; }"));
@@ -114,11 +115,12 @@ QString PhotoFrameHistory::selectedFile() const
     return selected.isEmpty() ? QString() : selected.first()->text();
 }
 
+// The delete button waits for the first file chosen and then stays: with nothing selected it
+// says so. ShowHst is always there and says the same.
 void PhotoFrameHistory::updateButtons()
 {
-    const bool any = !selectedFile().isEmpty();
-    m_showHst->setEnabled(any);
-    m_deleteHst->setEnabled(any);
+    if (!selectedFile().isEmpty())
+        m_deleteHst->setEnabled(true);
 }
 
 void PhotoFrameHistory::ShowHst_Click()
