@@ -151,19 +151,6 @@ PhotoBuildOutcome PhotoBuildJob::cmdBuildAll()
         transfer.cmdDisconnect();
         return PhotoBuildOutcome::Cancelled;
     }
-    if (!m_allSent) {
-        // A page with missing files gets no pointer, and the list stays for another press.
-        transfer.cmdDisconnect();
-        m_window.refreshHistoryList();
-        m_window.refreshReadyList();
-        m_window.setBusy(false);
-        m_window.showProgressFrame(false);
-        ui.Message(QStringLiteral("Not every file of the page reached your site. The pictures "
-                                  "stay on the Ready to Send list: press Build All again to "
-                                  "send the page once more."),
-                   Tarnwick, JobUi::Buttons::Ok, JobUi::Icon::Warning);
-        return PhotoBuildOutcome::Incomplete;
-    }
 
     // The caption names the page's folder only while the session stands in it.
     const QString pageFolder = transfer.UploadPath();

@@ -57,14 +57,14 @@ public:
 // How a press of Build All ended.
 enum class PhotoBuildOutcome
 {
-    Sent,         // the page is on the web space and its pointer on the clipboard
+    Sent,         // the run went to its end: the pointer is on the clipboard (a file that
+                  // failed on the way was told by the transfer's error form)
     NoImages,     // the Ready to Send list is empty
     Skipped,      // the user left a prompt, or the sizing stopped
     BuiltLocally, // Run Without Connections: the page is built and nothing was sent
     Failed,       // the failure branch: no connection, or a directory that can't be had
     WrongPath,    // the session did not stand in the page's folder
     Cancelled,    // the user cancelled the upload
-    Incomplete,   // a file did not arrive: no pointer, and the list stays for a resend
 };
 
 // "Tarnwick Build All and send to your site": the photo page from the Ready to Send list to a
@@ -91,10 +91,10 @@ public:
     bool PromptAllPhotos(bool ask);
     // Writes <ImageRoot>/<PageName>/Photos.htm; false when it can't be written.
     bool BuildLocalPhoto();
-    // Sends every thumbnail, enlarged copy and the page; false when cancelled. allSent() tells
-    // whether every file arrived.
+    // Sends every thumbnail, enlarged copy and the page; false when cancelled. A file that fails
+    // has shown the transfer's error form and the run goes on: the History file keeps the list
+    // for a resend.
     bool UploadToFTP();
-    bool allSent() const { return m_allSent; }
     // Makes sure of ClientRoot and of folder on the web space, and goes there.
     bool ReloadPath(const QString &folder);
 
@@ -125,8 +125,6 @@ private:
     PhotoBuildWindow &m_window;
     PhotoBuildOptions m_options;
     bool m_photosIsFile = false;
-    bool m_allSent = true;
-    bool m_reconnectTold = false;
 };
 
 // A page name cleaned of the characters that a folder name on the web space can't hold:

@@ -43,8 +43,6 @@ bool PhotoBuildJob::UploadToFTP()
         return true;
     };
 
-    m_allSent = true;
-    m_reconnectTold = false;
     showSection();
     m_context.ui.SetStatusText(QStringLiteral("Start Upload"));
     yield();
@@ -76,13 +74,12 @@ bool PhotoBuildJob::UploadToFTP()
         if (!verifyUploadPath(m_context.ftp, QStringLiteral("Photos/") + PageName))
             reconnect();
 
-        if (!UploadFileToFTP(m_context, LrgPath))
-            m_allSent = false;
+        // A file that fails has shown the transfer's error form; the run goes on with the next.
+        UploadFileToFTP(m_context, LrgPath);
         if (cancelled())
             return false;
         yield();
-        if (!UploadFileToFTP(m_context, SmlPath))
-            m_allSent = false;
+        UploadFileToFTP(m_context, SmlPath);
         if (cancelled())
             return false;
         yield();
@@ -118,7 +115,7 @@ bool PhotoBuildJob::UploadToFTP()
 }
 
 // The session lost its place (a dropped connection): log in again and go back to the page's
-// folder. A failed login is told once; the sends that follow then fail on their own.
+// folder. Each failed login is told; the sends that follow then fail on their own.
 bool PhotoBuildJob::reconnect()
 {
     cFTP &ftp = m_context.ftp;
@@ -126,12 +123,8 @@ bool PhotoBuildJob::reconnect()
     transfer.cmdDisconnect();
     const FtpAccount account = transfer.account();
     if (!ftp.OpenConnection(account.server, account.user, account.password)) {
-        // Told once a run; each further file tries the server again.
-        if (!m_reconnectTold)
-            m_context.ui.Message(
-                QStringLiteral("There was a error with reconnecting to the server."), Tarnwick,
-                JobUi::Buttons::Ok, JobUi::Icon::Warning);
-        m_reconnectTold = true;
+        m_context.ui.Message(QStringLiteral("There was a error with reconnecting to the server."),
+                             Tarnwick, JobUi::Buttons::Ok, JobUi::Icon::Warning);
         return false;
     }
     ftp.SetFTPDirectory(QStringLiteral("/"));
