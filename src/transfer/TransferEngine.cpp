@@ -28,6 +28,14 @@ QString nameOf(const QString &path)
     return path.mid(cut + 1);
 }
 
+// The text of a failure as frmErrUpload shows it: the server's reply for 12003.
+QString errorText(int number, const QString &serverReply)
+{
+    if (number == FtpErrors::ExtendedError && !serverReply.isEmpty())
+        return serverReply;
+    return FtpErrors::Description(number);
+}
+
 QString cutAtNull(const QString &text)
 {
     const qsizetype nul = text.indexOf(QChar(0));
@@ -107,6 +115,7 @@ bool TransferEngine::connectSession(FtpConnection &connection, const QString &di
     if (!result.ok()) {
         LastError = result.cancelled ? FtpErrors::OperationCancelled
                                      : FtpErrors::NumberFor(result.code, connection);
+        LastErrorText = errorText(LastError, connection.lastReply().text());
         LastWasCancelled = result.cancelled;
         return false;
     }
@@ -129,10 +138,13 @@ bool TransferEngine::SessionUpload(const QString &server, const QString &user,
                                    const QString &localPath)
 {
     LastError = 0;
+    LastErrorText.clear();
     LastWasCancelled = false;
+    LastSentDirect = false;
     const FtpAddress address = FtpAddress::fromServerField(server);
     if (!address.valid) {
         LastError = 12007;
+        LastErrorText = errorText(LastError, QString());
         return false;
     }
     FtpConnection session(address, user, password);
@@ -148,6 +160,7 @@ bool TransferEngine::SessionUpload(const QString &server, const QString &user,
         if (name.isEmpty() || !file.open(QIODevice::ReadOnly)) {
             LastError = 12004;
             const QString text = QStringLiteral("The file could not be read: ") + localPath;
+            LastErrorText = text;
             m_ui.ShowUploadError(text, FtpErrors::ConnectionReset);
             m_ui.FloodShowStatus(text);
         } else {
@@ -160,24 +173,43 @@ bool TransferEngine::SessionUpload(const QString &server, const QString &user,
 
             const QString temporary = TemporaryName(name);
             qint64 reported = 0;
-            FtpConnection::Request request;
-            request.kind = FtpConnection::Request::Kind::Store;
-            request.quote = {QStringLiteral("CWD ") + directory};
-            request.fileName = temporary;
-            request.postQuote = {QStringLiteral("RNFR ") + temporary,
-                                 QStringLiteral("RNTO ") + name};
-            request.uploadSize = file.size();
-            request.read = [&file](char *buffer, size_t size) -> size_t {
-                const qint64 got = file.read(buffer, qint64(size));
-                return got < 0 ? CURL_READFUNC_ABORT : size_t(got);
+            const auto store = [&](const QString &target, const QStringList &quote) {
+                FtpConnection::Request request;
+                request.kind = FtpConnection::Request::Kind::Store;
+                request.quote = quote;
+                request.fileName = target;
+                request.uploadSize = file.size();
+                request.read = [&file](char *buffer, size_t size) -> size_t {
+                    const qint64 got = file.read(buffer, qint64(size));
+                    return got < 0 ? CURL_READFUNC_ABORT : size_t(got);
+                };
+                request.progress = [&](qint64, qint64 up) {
+                    if (up > reported) {
+                        TransferStatusCallback(30, up - reported);
+                        reported = up;
+                    }
+                };
+                return session.perform(request);
             };
-            request.progress = [&](qint64, qint64 up) {
-                if (up > reported) {
-                    TransferStatusCallback(30, up - reported);
-                    reported = up;
+            auto result = store(temporary, {QStringLiteral("CWD ") + directory});
+            if (result.ok()) {
+                FtpConnection::Request rename;
+                rename.quote = {QStringLiteral("CWD ") + directory,
+                                QStringLiteral("RNFR ") + temporary,
+                                QStringLiteral("RNTO ") + name};
+                result = session.perform(rename);
+                if (result.code == CURLE_QUOTE_ERROR && !result.cancelled && !m_state.skipped() &&
+                    file.seek(0)) {
+                    // The server forbids renames: the whole temporary copy goes, and the file
+                    // is sent again straight under its own name. A cut there leaves a partial
+                    // file under that name, which the caller removes (LastSentDirect).
+                    LastSentDirect = true;
+                    BytesSent = 0;
+                    reported = 0;
+                    result = store(name, {QStringLiteral("CWD ") + directory,
+                                          QStringLiteral("*DELE ") + temporary});
                 }
-            };
-            const auto result = session.perform(request);
+            }
             if (result.ok()) {
                 m_ui.FloodFillUpdate(FileTotal);
                 sent = true;
@@ -185,6 +217,7 @@ bool TransferEngine::SessionUpload(const QString &server, const QString &user,
                 LastWasCancelled = result.cancelled || m_state.skipped();
                 LastError = result.cancelled ? FtpErrors::OperationCancelled
                                              : FtpErrors::NumberFor(result.code, session);
+                LastErrorText = errorText(LastError, session.lastReply().text());
                 if (!LastWasCancelled)
                     m_ui.FloodShowStatus(WininetErrorText(LastError, session.lastReply().text()));
             }
@@ -201,10 +234,12 @@ bool TransferEngine::SessionDownload(const QString &server, const QString &user,
                                      const QString &localPath)
 {
     LastError = 0;
+    LastErrorText.clear();
     LastWasCancelled = false;
     const FtpAddress address = FtpAddress::fromServerField(server);
     if (!address.valid) {
         LastError = 12007;
+        LastErrorText = errorText(LastError, QString());
         return false;
     }
     const qsizetype slash = remotePath.lastIndexOf(QLatin1Char('/'));
@@ -272,6 +307,7 @@ bool TransferEngine::SessionDownload(const QString &server, const QString &user,
                                 ? 12004
                                 : (result.cancelled ? FtpErrors::OperationCancelled
                                                     : FtpErrors::NumberFor(result.code, session));
+                LastErrorText = errorText(LastError, session.lastReply().text());
                 if (!LastWasCancelled)
                     m_ui.FloodShowStatus(WininetErrorText(LastError, session.lastReply().text()));
             }
@@ -345,9 +381,7 @@ void TransferEngine::TransferStatusCallback(int status, const QVariant &data)
 
 QString TransferEngine::WininetErrorText(int number, const QString &serverReply)
 {
-    QString text = FtpErrors::Description(number);
-    if (number == FtpErrors::ExtendedError && !serverReply.isEmpty())
-        text = serverReply;
+    const QString text = errorText(number, serverReply);
     // Every error goes to the form as a reset, so the form always closes by itself.
     m_ui.ShowUploadError(text, FtpErrors::ConnectionReset);
     return text;

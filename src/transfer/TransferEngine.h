@@ -14,7 +14,9 @@ class FtpConnection;
 //
 // An upload goes to a temporary name in the target directory and is renamed to its own name
 // only when the whole file has arrived, so a cut transfer never leaves a partial file under
-// the final name. A download is written beside the local file and replaces it only when whole.
+// the final name. A server that refuses the rename gets the file again under its own name,
+// after the temporary copy is deleted (LastSentDirect). A download is written beside the local file
+// and replaces it only when whole.
 class TransferEngine final
 {
 public:
@@ -58,7 +60,12 @@ public:
     int TransferMode = Idle;
     // The number of the last failure (0 after a success), and whether it was a cancel.
     int LastError = 0;
+    // The text of the last failure as frmErrUpload shows it ("" after a success).
+    QString LastErrorText;
     bool LastWasCancelled = false;
+    // The last upload went straight under the file's own name, the server having refused the
+    // rename; a failed one may have left a partial file under that name.
+    bool LastSentDirect = false;
 
 private:
     void hookStatus(FtpConnection &connection, const QString &host);

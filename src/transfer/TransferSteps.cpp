@@ -81,15 +81,25 @@ bool UploadFileToFTP(TransferContext &context, const QString &localPath)
     }
     // The temporary copy of a failed send is removed where the server still answers; after a
     // cancel the user is not kept waiting long for that.
+    // A send that went straight under the file's own name may have left a partial copy there.
     if (!sent) {
-        const QString temporary = TransferEngine::TemporaryName(name);
-        if (engine.LastWasCancelled || context.state.skipped()) {
-            const FtpAccount account = context.window.account();
-            TransferEngine::SessionDelete(account.server, account.user, account.password, directory,
-                                          temporary, CancelTidyMs);
-        } else {
-            context.ftp.DeleteFTPFile(temporary);
+        QStringList leftovers = {TransferEngine::TemporaryName(name)};
+        if (engine.LastSentDirect)
+            leftovers.append(name);
+        const QString failure = context.ftp.GetLastErrorMessage();
+        for (const QString &leftover : std::as_const(leftovers)) {
+            if (engine.LastWasCancelled || context.state.skipped()) {
+                const FtpAccount account = context.window.account();
+                TransferEngine::SessionDelete(account.server, account.user, account.password,
+                                              directory, leftover, CancelTidyMs);
+            } else {
+                context.ftp.DeleteFTPFile(leftover);
+            }
         }
+        // The tidying's own replies ("550 ... not found") are not what went wrong: the session
+        // keeps the send's failure as its last message.
+        context.ftp.SetLastErrorMessage(engine.LastErrorText.isEmpty() ? failure
+                                                                       : engine.LastErrorText);
     }
     context.progress.UnloadProgress();
     return sent;

@@ -36,6 +36,9 @@ public:
     // The result of the last GetDirectoryListing; empty before the first.
     const cDirList &Directory() const { return m_directoryList; }
     QString GetLastErrorMessage() const { return m_lastErrorMessage; }
+    // Puts back the text of a failure that happened outside this session (a send of the
+    // transfer engine), after tidying through this session has overwritten it.
+    void SetLastErrorMessage(const QString &text) { m_lastErrorMessage = text; }
     // Ends the connection (QUIT when the server still answers). Safe to call twice.
     void CloseConnection();
     // Stores a local file in one go under remotePath (a name, or a path relative to the current

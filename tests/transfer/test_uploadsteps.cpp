@@ -399,6 +399,94 @@ private slots:
         QCOMPARE(ReadTestFile(server.localPath(QStringLiteral("first.txt"))), QByteArray("1"));
     }
 
+    void serverThatRefusesRenamesGetsTheFileUnderItsName()
+    {
+        FtpTestServer::Options options;
+        options.faults = {QStringLiteral("rnto-553")};
+        FtpTestServer server(options);
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        WriteTestFile(server.localPath(QStringLiteral("/Send/page.htm")), "old copy");
+        Job job(server);
+        QVERIFY(job.connect(server));
+        QVERIFY(job.ftp.SetFTPDirectory(QStringLiteral("Send")));
+        int forms = 0;
+        QTimer poll;
+        errorFormsSeen(poll, forms);
+        const QByteArray content = TestPattern(300000);
+        QVERIFY(UploadFileToFTP(job.context, localFile(QStringLiteral("page.htm"), content)));
+        QCOMPARE(ReadTestFile(server.localPath(QStringLiteral("/Send/page.htm"))), content);
+        QCOMPARE(QDir(server.localPath(QStringLiteral("/Send"))).entryList(QDir::Files),
+                 QStringList{QStringLiteral("page.htm")});
+        const QString temporary = TransferEngine::TemporaryName(QStringLiteral("page.htm"));
+        const QStringList commands = server.commands();
+        QCOMPARE(server.countCommands(QStringLiteral("STOR")), 2);
+        QVERIFY(commands.indexOf(QStringLiteral("RNTO page.htm")) >= 0);
+        QVERIFY(commands.indexOf(QStringLiteral("DELE ") + temporary) >
+                commands.indexOf(QStringLiteral("RNTO page.htm")));
+        QVERIFY(commands.indexOf(QStringLiteral("STOR page.htm")) >
+                commands.indexOf(QStringLiteral("DELE ") + temporary));
+        // Only one attempt was needed, and the user was not told of the refused rename.
+        QCOMPARE(forms, 0);
+    }
+
+    void failedSendLeavesItsOwnErrorAsTheLastMessage()
+    {
+        FtpTestServer::Options options;
+        options.faults = {QStringLiteral("stor-550")};
+        FtpTestServer server(options);
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        Job job(server);
+        QVERIFY(job.connect(server));
+        QVERIFY(!UploadFileToFTP(job.context, localFile(QStringLiteral("refused.txt"), "r")));
+        // The tidying deleted the temporary copy through the session after the failure.
+        QVERIFY(server.commands().contains(
+            QStringLiteral("DELE ") +
+            TransferEngine::TemporaryName(QStringLiteral("refused.txt"))));
+        QCOMPARE(job.ftp.GetLastErrorMessage(), QStringLiteral("550 Permission denied."));
+    }
+
+    void cancelEndsADownloadFromASilentServer()
+    {
+        FtpTestServer::Options options;
+        options.faults = {QStringLiteral("stall-retr")};
+        FtpTestServer server(options);
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        WriteTestFile(server.localPath(QStringLiteral("big.bin")), TestPattern(4 * 1024 * 1024));
+        Job job(server);
+        QVERIFY(job.connect(server));
+        const QString local = m_local.filePath(QStringLiteral("fetched.bin"));
+        QFile::remove(local);
+        int ticks = 0;
+        qint64 longestGap = 0;
+        QElapsedTimer sinceTick;
+        sinceTick.start();
+        QTimer ticker;
+        bool measuring = true;
+        QObject::connect(&ticker, &QTimer::timeout, [&] {
+            ++ticks;
+            if (measuring)
+                longestGap = std::max(longestGap, sinceTick.restart());
+        });
+        ticker.start(10);
+        QElapsedTimer sinceCancel;
+        QTimer::singleShot(1000, [&] {
+            QVERIFY(visibleTopLevel<dlgFTP>());
+            QVERIFY(server.commands().contains(QStringLiteral("RETR big.bin")));
+            measuring = false;
+            sinceCancel.start();
+            pressCancelAndConfirm();
+        });
+        QVERIFY(!DownloadFileToFTP(job.context, local, QStringLiteral("big.bin")));
+        QVERIFY(sinceCancel.isValid());
+        QVERIFY2(sinceCancel.elapsed() < 2000, qPrintable(QString::number(sinceCancel.elapsed())));
+        QVERIFY2(ticks > 20 && longestGap < 500, qPrintable(QString::number(longestGap)));
+        QVERIFY(JobState::instance().skipped());
+        // One attempt only, and no partial local file.
+        QCOMPARE(server.countCommands(QStringLiteral("RETR")), 1);
+        QVERIFY(!QFileInfo::exists(local));
+        QVERIFY(!visibleTopLevel<frmErrUpload>());
+    }
+
     void runInBackgroundHidesTheDialog()
     {
         FtpTestServer server;
