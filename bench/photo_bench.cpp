@@ -22,7 +22,8 @@ class ConsoleUi final : public JobUi
 {
 public:
     void ShowInputBox(JobState &state) override { state.UserResponse = JobState::Skip; }
-    Answer Message(const QString &text, const QString &, Buttons, Icon) override
+    Answer Message(const QString &text, const QString &, Buttons, Icon,
+                   std::optional<Answer>) override
     {
         QTextStream(stderr) << text << '\n';
         ++messages;

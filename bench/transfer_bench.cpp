@@ -31,7 +31,10 @@ class QuietUi final : public JobUi
 {
 public:
     void ShowInputBox(JobState &state) override { state.UserResponse = JobState::Skip; }
-    Answer Message(const QString &, const QString &, Buttons, Icon) override { return Answer::Ok; }
+    Answer Message(const QString &, const QString &, Buttons, Icon, std::optional<Answer>) override
+    {
+        return Answer::Ok;
+    }
     void ShowScrollMessage(const QString &) override {}
     void SetStatusText(const QString &) override {}
     void SetStepOf(const QString &) override {}
