@@ -687,6 +687,50 @@ private slots:
         QVERIFY(action(QStringLiteral("XPorBetter"))->isChecked());
     }
 
+    void loadSpeedIsSavedOnLeavingTheBox()
+    {
+        // The box as the photo function's settings tab shows it.
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_0"))->click();
+        m_main->unloadInstructionForms();
+        settle();
+        QLineEdit *box = m_main->LoadSpeed();
+        auto *other = new QLineEdit(m_main->TabFrame(0));
+        m_main->TabFrame(0)->layout()->addWidget(box);
+        m_main->TabFrame(0)->layout()->addWidget(other);
+        m_main->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_main.get()));
+        QCOMPARE(box->text(), QStringLiteral("0.1"));
+
+        const auto storeContents = [] {
+            QSettings store(QStringLiteral("Tarnwick"), QStringLiteral("Tarnwick"));
+            QMap<QString, QString> values;
+            for (const QString &key : store.allKeys())
+                values.insert(key, store.value(key).toString());
+            return values;
+        };
+        QMap<QString, QString> before = storeContents();
+
+        box->setFocus();
+        QTRY_VERIFY(box->hasFocus());
+        box->selectAll();
+        QTest::keyClicks(box, QStringLiteral("0.75"));
+        QCOMPARE(box->text(), QStringLiteral("0.75"));
+        QVERIFY(!HasSetting(QStringLiteral("LoadSpeed"))); // typing alone saves nothing
+        other->setFocus();
+        QTRY_VERIFY(other->hasFocus());
+        QCOMPARE(GetSetting(QStringLiteral("LoadSpeed")), QStringLiteral("0.75"));
+
+        // Nothing else in the store changed.
+        QMap<QString, QString> after = storeContents();
+        QCOMPARE(after.take(QStringLiteral("Settings/LoadSpeed")), QStringLiteral("0.75"));
+        QCOMPARE(after, before);
+
+        // The next start shows it.
+        start();
+        QCOMPARE(m_main->LoadSpeed()->text(), QStringLiteral("0.75"));
+        QCOMPARE(m_main->startup().LoadSpeed, QStringLiteral("0.75"));
+    }
+
     void cleanupDeletesImagesOnlyAndRunsHooks()
     {
         const QString home = Folders::HomeFolder();

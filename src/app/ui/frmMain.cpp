@@ -225,6 +225,11 @@ void frmMain::buildSettingsFields()
     m_ftpRoot = make("FTPRoot");
     m_clientRoot = make("ClientRoot");
     m_loadSpeed = make("LoadSpeed");
+    // Saved when the box is left or Return is pressed; nothing else reads it.
+    connect(m_loadSpeed, &QLineEdit::editingFinished, this, [this] {
+        m_startup.LoadSpeed = m_loadSpeed->text();
+        SaveSetting(QStringLiteral("LoadSpeed"), m_startup.LoadSpeed);
+    });
     m_uploadPath = new QLabel(m_fieldHolder);
     m_uploadPath->setObjectName(QStringLiteral("UploadPath"));
     m_uploadPath->setTextInteractionFlags(Qt::TextSelectableByMouse);
