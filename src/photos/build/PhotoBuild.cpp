@@ -76,7 +76,8 @@ PhotoBuildOutcome PhotoBuildJob::cmdBuildAll()
     m_window.showProgressFrame(true);
     showStep(QStringLiteral("Saving Information"));
     yield();
-    SaveHistory(m_page);
+    if (!m_page.FileName.trimmed().isEmpty())
+        SaveHistory(m_page);
     m_window.refreshHistoryList();
 
     showStep(QStringLiteral("Building Locally"));

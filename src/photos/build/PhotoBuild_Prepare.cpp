@@ -122,16 +122,9 @@ bool PhotoBuildJob::BuildWebTop(bool ask)
         state.UserResponse = JobState::Skip;
         return false;
     }
-    QString cleaned = CleanName(answer.trimmed());
-    if (cleaned.trimmed().isEmpty()) {
-        // Nothing of the name can stand in a folder name: the page takes the made-up one.
-        cleaned = DefaultPageName();
-        ui.Message(QStringLiteral("The page name holds no characters that a web address can "
-                                  "use. The page is named ") +
-                       cleaned + QLatin1Char('.'),
-                   Tarnwick, JobUi::Buttons::Ok, JobUi::Icon::Information);
-    }
-    PageName = ReplaceSpaces(cleaned, QStringLiteral("_"));
+    // A name of nothing but characters that CleanName takes leaves the page without a name:
+    // the run then finds no page folder on the web space and stops before sending.
+    PageName = ReplaceSpaces(CleanName(answer.trimmed()), QStringLiteral("_"));
     m_page.FileName = PageName;
 
     // The prompts of title and introduction share their rules.

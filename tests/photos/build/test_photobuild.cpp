@@ -349,17 +349,29 @@ private slots:
         QVERIFY(world->ui.prompts.isEmpty());
     }
 
-    void aNameOfOnlyBadCharactersGetsTheMadeUpName()
+    void aNameOfOnlyBadCharactersFindsNoPageFolder()
     {
         auto world = makeWorld();
+        const QStringList before =
+            QDir(Folders::HistoryFolder()).entryList({QStringLiteral("*.hst")}, QDir::Files);
         world->ui.answerPrompt(QStringLiteral("..//??**"));
-        QCOMPARE(world->run(), PhotoBuildOutcome::Sent);
-        QVERIFY(world->lastPageName.startsWith(QStringLiteral("Photo")));
+        QCOMPARE(world->run(), PhotoBuildOutcome::WrongPath);
+        QCOMPARE(world->lastPageName, QString());
+        QCOMPARE(PhotoPage::instance().FileName, QString());
         QCOMPARE(world->ui.messages.size(), 1);
-        QVERIFY(world->ui.messages.at(0).text.contains(world->lastPageName));
-        QVERIFY(QFileInfo(world->remote(QStringLiteral("/Photos/") + world->lastPageName +
-                                        QStringLiteral("/Photos.htm")))
-                    .isFile());
+        QCOMPARE(world->ui.messages.at(0).text,
+                 QStringLiteral("The connection to the upload path has failed. Select the Rebuild "
+                                "option and the History file and resend."));
+        QVERIFY(!world->ftp.IsConnected());
+        // Nothing was sent, and no History file without a name was written.
+        QCOMPARE(remoteFiles(*world, QStringLiteral("/Photos")), QStringList());
+        QCOMPARE(QDir(world->remote(QStringLiteral("/Photos")))
+                     .entryList(QDir::Dirs | QDir::NoDotAndDotDot),
+                 QStringList());
+        QCOMPARE(QDir(Folders::HistoryFolder()).entryList({QStringLiteral("*.hst")}, QDir::Files),
+                 before);
+        QVERIFY(!QFileInfo::exists(Folders::HistoryFolder() + QStringLiteral("/.hst")));
+        QCOMPARE(ListPictureFiles(world->workingPath()).size(), 12);
     }
 
     void aFileNamedPhotosTakesTheFailureBranch()

@@ -287,6 +287,9 @@ void ReadyToSendPage::SaveAll()
                 return;
             m_page.FileName = answer == JobState::Blank || answer.isEmpty() ? fallback : answer;
         }
+        // A name of nothing but characters that a file name can't hold names no file.
+        if (m_page.FileName.trimmed().isEmpty())
+            return;
     }
     const HistoryResult saved = SaveHistory(m_page);
     if (!saved.ok) {
