@@ -4,6 +4,8 @@
 
 #include <QHash>
 
+#include <algorithm>
+
 namespace FtpErrors {
 
 QString Description(int number)
@@ -55,12 +57,33 @@ QString Description(int number)
     return texts.value(number, QStringLiteral("Error details not available."));
 }
 
+namespace {
+
+// The request opened a session and the server turned it away before it was logged in: a
+// greeting that refuses (421 ...), or a refusal in place of the answer to USER or PASS.
+bool turnedAwayAtLogin(const FtpConnection &connection)
+{
+    const QList<FtpReply> &replies = connection.replies();
+    if (replies.isEmpty() || replies.last().code < 400)
+        return false;
+    if (replies.size() == 1)
+        return true;
+    return replies.first().code == 220 &&
+           std::none_of(replies.begin(), replies.end(),
+                        [](const FtpReply &reply) { return reply.code == 230; });
+}
+
+} // namespace
+
 int NumberFor(CURLcode code, const FtpConnection &connection)
 {
     switch (code) {
     case CURLE_OK:
         return 0;
     case CURLE_LOGIN_DENIED:
+        // "Not now" (421 too many users ...) says nothing about the name or the password.
+        if (connection.lastReply().code / 100 == 4)
+            return 12015;
         return connection.passwordAsked() ? 12014 : 12013;
     case CURLE_ABORTED_BY_CALLBACK:
         return OperationCancelled;
@@ -74,12 +97,31 @@ int NumberFor(CURLcode code, const FtpConnection &connection)
     case CURLE_FTP_PORT_FAILED:
         return 12029;
     case CURLE_OPERATION_TIMEDOUT:
+        // The library reports a server's 421 ("closing control connection") as a time-out.
+        if (connection.lastReply().code == 421)
+            return turnedAwayAtLogin(connection) ? 12015 : ExtendedError;
+        return 12002;
     case CURLE_FTP_ACCEPT_TIMEOUT:
         return 12002;
     case CURLE_URL_MALFORMAT:
         return 12005;
     case CURLE_UNSUPPORTED_PROTOCOL:
         return 12006;
+    case CURLE_NOT_BUILT_IN:
+        return 12008;
+    case CURLE_BAD_FUNCTION_ARGUMENT:
+    case CURLE_UNKNOWN_OPTION:
+    case CURLE_SETOPT_OPTION_SYNTAX:
+        return 12009;
+    case CURLE_COULDNT_RESOLVE_PROXY:
+    case CURLE_PROXY:
+        return 12020;
+    case CURLE_INTERFACE_FAILED:
+        return 12023;
+    case CURLE_AGAIN:
+        return 12026;
+    case CURLE_FAILED_INIT:
+        return 12004;
     case CURLE_OUT_OF_MEMORY:
         return 12001;
     case CURLE_RECURSIVE_API_CALL:
@@ -91,6 +133,8 @@ int NumberFor(CURLcode code, const FtpConnection &connection)
     case CURLE_GOT_NOTHING:
         return 12030;
     case CURLE_WEIRD_SERVER_REPLY:
+        if (turnedAwayAtLogin(connection))
+            return 12015;
         // A server that closes the control connection mid-request leaves a reply missing.
         return connection.lastReply().code >= 400 ? ExtendedError : 12030;
     case CURLE_READ_ERROR:

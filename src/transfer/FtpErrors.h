@@ -8,6 +8,13 @@ class FtpConnection;
 
 // The transfer error numbers that the user reads (12001 "No more handles ..." to 12036), and
 // how the library's failures map onto them.
+//
+// Numbers that no failure of libcurl or of an FTP server means, and that are therefore never
+// produced here: 12010 and 12011 (option lengths, query-only options), 12012 (the library
+// unloading), 12016 (an invalid operation), 12018 (a handle of the wrong type), 12021 and
+// 12022 (registry values), 12024 and 12025 (asynchronous requests), 12027 (request format),
+// 12028 (a missing remote item: the server's own 550 reply, as 12003, says more) and 12036
+// (a handle that already exists).
 namespace FtpErrors {
 
 constexpr int ExtendedError = 12003; // the server refused: its last reply is the text
@@ -19,7 +26,8 @@ constexpr int ConnectionReset = 12031;
 QString Description(int number);
 
 // The number for a failed request on a connection: a refusal by the server (a 4xx/5xx reply,
-// a refused login) is 12003, 12013 or 12014; the network's failures have their own numbers.
+// a refused login) is 12003, 12013 or 12014, and a login the server turns away for now (a 421
+// greeting or answer to USER) 12015; the network's failures have their own numbers.
 int NumberFor(CURLcode code, const FtpConnection &connection);
 
 // The text left in GetLastErrorMessage: Description(number), " Message: ", the number,

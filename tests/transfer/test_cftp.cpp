@@ -550,6 +550,18 @@ private slots:
         QTest::newRow("nested") << int(CURLE_RECURSIVE_API_CALL) << 12019;
         QTest::newRow("bad address") << int(CURLE_URL_MALFORMAT) << 12005;
         QTest::newRow("other") << int(CURLE_SSL_CONNECT_ERROR) << 12004;
+        QTest::newRow("no proxy") << int(CURLE_COULDNT_RESOLVE_PROXY) << 12020;
+        QTest::newRow("proxy handshake") << int(CURLE_PROXY) << 12020;
+        QTest::newRow("not set up") << int(CURLE_FAILED_INIT) << 12004;
+        QTest::newRow("bad option value") << int(CURLE_BAD_FUNCTION_ARGUMENT) << 12009;
+        QTest::newRow("unknown option") << int(CURLE_UNKNOWN_OPTION) << 12009;
+        QTest::newRow("option syntax") << int(CURLE_SETOPT_OPTION_SYNTAX) << 12009;
+        QTest::newRow("protocol not built in") << int(CURLE_NOT_BUILT_IN) << 12008;
+        QTest::newRow("scheme") << int(CURLE_UNSUPPORTED_PROTOCOL) << 12006;
+        QTest::newRow("interface") << int(CURLE_INTERFACE_FAILED) << 12023;
+        QTest::newRow("try again") << int(CURLE_AGAIN) << 12026;
+        QTest::newRow("no memory") << int(CURLE_OUT_OF_MEMORY) << 12001;
+        QTest::newRow("cut reply") << int(CURLE_WEIRD_SERVER_REPLY) << 12030;
     }
 
     void libraryFailuresHaveTheirNumbers()
@@ -559,6 +571,19 @@ private slots:
         const FtpConnection unused(FtpAddress::fromServerField(QStringLiteral("127.0.0.1")),
                                    QString(), QString());
         QCOMPARE(FtpErrors::NumberFor(CURLcode(code), unused), number);
+    }
+
+    void greetingThatRefusesIsAFailedLogin()
+    {
+        FtpTestServer::Options options;
+        options.faults = {QStringLiteral("greet-421")};
+        FtpTestServer busy(options);
+        QVERIFY2(busy.start(), qPrintable(busy.errorString()));
+        cFTP ftp;
+        QVERIFY(!ftp.OpenConnection(busy.server(), busy.user(), busy.password()));
+        QCOMPARE(ftp.GetLastErrorMessage(),
+                 QStringLiteral("Request to connect to and login to an FTP server failed. "
+                                "Message: 12015 error code: InternetConnect"));
     }
 
     void composedTextPutsTheTextFirst()

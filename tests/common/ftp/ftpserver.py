@@ -16,6 +16,8 @@ Faults for the tests (--fault, may be given more than once):
                      answers nothing more on that session
   stall-retr         downloads send nothing and the session answers nothing more
   silent             connections are accepted and never greeted
+  greet-421          connections are greeted "421 Service not available, closing control
+                     connection." and closed
   dos-listing        LIST answers in the DOS/IIS format
 Every command the server receives is appended to --command-log, one line each
 ("<session> <COMMAND> <argument>"; the password is not written).
@@ -106,6 +108,14 @@ class FaultDTPHandler(DTPHandler):
 class FaultHandler(FTPHandler):
     dtp_handler = FaultDTPHandler
     silenced = False
+
+    def handle(self):
+        if "greet-421" in Options.faults:
+            self.on_connect()
+            self.respond("421 Service not available, closing control connection.")
+            self.close_when_done()
+            return
+        super().handle()
 
     def on_connect(self):
         with Options.lock:
