@@ -266,9 +266,8 @@ bool PhotoBuildJob::PhotoPreviewButton()
 
     const QString page = preview + QStringLiteral("/Photos.htm");
     CurrentPointer() = page;
-    if (!m_context.ui.OpenUrl(QUrl::fromLocalFile(page)))
-        m_context.ui.Message(QStringLiteral("The page could not be opened: ") + page, Tarnwick,
-                             JobUi::Buttons::Ok, JobUi::Icon::Warning);
+    // A page that can't be opened is told by the opener itself.
+    m_context.ui.OpenUrl(QUrl::fromLocalFile(page));
 
     PageName = keptName;
     ImageRoot = keptRoot;

@@ -216,6 +216,28 @@ private slots:
         QVERIFY(!QFileInfo::exists(Folders::PhotosHtmlFolder() + QStringLiteral("/Photos.htm")));
         QVERIFY(ui.messages.isEmpty());
     }
+
+    // The opener tells a page it can't open; the preview adds nothing of its own.
+    void aPreviewThatCantBeOpenedIsToldOnceByTheOpener()
+    {
+        QTemporaryDir source, working;
+        makeSource(source.path());
+        PhotoPage &page = PhotoPage::instance();
+        QVERIFY(putOnList(page, source.path(), working.path(), photos()));
+        page.FileName = QStringLiteral("Closed");
+        cFTP ftp;
+        ScriptedUi ui;
+        ui.openUrlResult = false;
+        JobState state;
+        SilentTransferUi progress;
+        FtpTestServer server;
+        BuildTestWindow window(ftp, server, working.path());
+        TransferContext context{ftp, ui, state, window, progress};
+        ui.answerPrompt(QString());
+        QVERIFY(PhotoBuildJob(page, context, window).PhotoPreviewButton());
+        QCOMPARE(ui.openedUrls.size(), 1);
+        QVERIFY(ui.messages.isEmpty());
+    }
 };
 
 TARNWICK_TEST_MAIN(TestUpdatePhotoPage)
