@@ -691,8 +691,17 @@ private slots:
         QCOMPARE(job.window.disconnects, 1);
         QVERIFY(!job.ftp.IsConnected());
 
-        // In the FTP root the path check fails even for "/".
+        // An empty ClientRoot leaves its step out: the session stays in the root, no
+        // directory is made and nothing is said.
+        const int madeBefore = server.countCommands(QStringLiteral("MKD"));
+        const int statusesBefore = int(job.ui.statusTexts.size());
         QCOMPARE(ConnectForJob(job.context, {}), JobConnection::Connected);
+        QCOMPARE(job.ftp.GetFTPDirectory(), QStringLiteral("/"));
+        QCOMPARE(server.countCommands(QStringLiteral("MKD")), madeBefore);
+        QVERIFY(job.ui.messages.isEmpty());
+        QVERIFY(!job.ui.statusTexts.mid(statusesBefore)
+                     .contains(QStringLiteral("Creating a directory")));
+        // In the FTP root the path check fails even for "/".
         QCOMPARE(EnterJobDirectories(job.context, {}, QStringLiteral("/")),
                  JobDirectory::WrongPath);
     }
