@@ -78,6 +78,7 @@ private slots:
         QStringList widgets = {QStringLiteral("StartFrame"),
                                QStringLiteral("TabStrip1"),
                                QStringLiteral("ReturnToStartButton"),
+                               QStringLiteral("HelpButton"),
                                QStringLiteral("ProgressFrame"),
                                QStringLiteral("Status_text"),
                                QStringLiteral("Stepof"),
@@ -792,6 +793,28 @@ private slots:
 
         m_main->hide();
         QCOMPARE(m_main->helpContext(), 1);
+    }
+
+    void helpButtonOpensTheHelpOfWhatIsShown()
+    {
+        auto *button = child<QPushButton>(QStringLiteral("HelpButton"));
+        QCOMPARE(button->text(), QStringLiteral("Help"));
+        QVERIFY(!button->isVisible()); // the start screen has the Help menu and F1
+        HelpWindow *help = m_main->helpWindow();
+        QVERIFY(!help->isVisible());
+
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_2"))->click();
+        QVERIFY(button->isVisible());
+        button->click();
+        QVERIFY(help->isVisible());
+        QCOMPARE(help->currentTopic(), 9);
+        QVERIFY(help->browser()->toPlainText().contains(QStringLiteral("Send a File")));
+        help->close();
+
+        child<QPushButton>(QStringLiteral("FunctionSelectButton_4"))->click();
+        button->click();
+        QVERIFY(help->isVisible());
+        QCOMPARE(help->currentTopic(), 16);
     }
 
     void helpPagesExistAndF1OpensTheOneOnScreen()

@@ -76,7 +76,12 @@ frmMain::frmMain(QWidget *parent) : QMainWindow(parent), m_jobUi(std::make_uniqu
     m_returnButton = new QPushButton(QStringLiteral("Return to Start"), m_workArea);
     m_returnButton->setObjectName(QStringLiteral("ReturnToStartButton"));
     connect(m_returnButton, &QPushButton::clicked, this, &frmMain::ReturnToStartButton_Click);
+    auto *helpButton = new QPushButton(QStringLiteral("Help"), m_workArea);
+    helpButton->setObjectName(QStringLiteral("HelpButton"));
+    helpButton->setToolTip(QStringLiteral("Help on what is shown (F1)"));
+    connect(helpButton, &QPushButton::clicked, this, &frmMain::HelpButton_Click);
     header->addWidget(m_tabStrip, 1, Qt::AlignBottom);
+    header->addWidget(helpButton);
     header->addWidget(m_returnButton);
     work->addLayout(header);
 
