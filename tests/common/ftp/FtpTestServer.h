@@ -10,7 +10,8 @@
 // A real FTP server (pyftpdlib) on a free loopback port, serving a fresh temporary folder to
 // one user, for as long as the object lives. Faults for the tests are switched on by name
 // (see ftpserver.py): "refuse-login", "stor-550", "stor-552", "dele-550", "rnto-553",
-// "drop-after=N", "stall-after=N", "stall-retr", "silent", "greet-421", "dos-listing".
+// "drop-after=N", "stall-after=N", "stall-retr", "silent", "greet-421", "dos-listing",
+// "mkd-553=NAME".
 //
 //   FtpTestServer server;
 //   QVERIFY2(server.start(), qPrintable(server.errorString()));

@@ -19,6 +19,8 @@ Faults for the tests (--fault, may be given more than once):
   greet-421          connections are greeted "421 Service not available, closing control
                      connection." and closed
   dos-listing        LIST answers in the DOS/IIS format
+  mkd-553=NAME       MKD of a directory called NAME is answered "553 Requested action not
+                     taken. File name not allowed." (the directory is not made)
 Every command the server receives is appended to --command-log, one line each
 ("<session> <COMMAND> <argument>"; the password is not written).
 """
@@ -62,6 +64,12 @@ def take_cut():
             Options.uploads_cut += 1
             return True
     return False
+
+
+def refuses_mkd(arg):
+    """True when the mkd-553 fault names the directory that MKD asks for."""
+    name = Options.faults.get("mkd-553")
+    return bool(name) and arg.rstrip("/").split("/")[-1] == name
 
 
 class FaultDTPHandler(DTPHandler):
@@ -149,6 +157,9 @@ class FaultHandler(FTPHandler):
             return
         if cmd == "RNTO" and "rnto-553" in Options.faults:
             self.respond("553 Rename not allowed.")
+            return
+        if cmd == "MKD" and refuses_mkd(arg):
+            self.respond("553 Requested action not taken. File name not allowed.")
             return
         if cmd == "RETR" and "stall-retr" in Options.faults:
             self.silenced = True
