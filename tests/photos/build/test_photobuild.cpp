@@ -409,6 +409,53 @@ private slots:
         QCOMPARE(ListPictureFiles(world->workingPath()).size(), 12);
     }
 
+    // A refusal other than 550 when the page's folder is made is shown, and the run goes on: here
+    // the folder is there already and the server says so with 553.
+    void aPageFolderRefusedWithOtherThan550IsToldAndTheRunGoesOn()
+    {
+        FtpTestServer::Options options;
+        options.faults = {QStringLiteral("mkd-553=Refused")};
+        auto world = makeWorld(options);
+        QVERIFY(QDir().mkpath(world->remote(QStringLiteral("/Photos/Refused"))));
+        world->ui.answerPrompt(QStringLiteral("Refused"));
+        QCOMPARE(world->run(), PhotoBuildOutcome::Sent);
+        QCOMPARE(world->ui.messages.size(), 1);
+        QVERIFY2(world->ui.messages.at(0).text.startsWith(QStringLiteral("553")),
+                 qPrintable(world->ui.messages.at(0).text));
+        QCOMPARE(remoteFiles(*world, QStringLiteral("/Photos/Refused")).size(), 25);
+        QCOMPARE(world->ui.clipboard->text(),
+                 QStringLiteral("http://www.example.com/Photos/Refused/Photos.htm"));
+    }
+
+    // After a lost session the run logs in again; a "Photos" that has become a file is told.
+    void aPhotosFileFoundAtTheReconnectIsTold()
+    {
+        auto world = makeWorld();
+        world->ui.answerPrompt(QStringLiteral("Moved"));
+        const QStringList rows = ListPictureFiles(world->workingPath());
+        World *w = world.get();
+        bool done = false;
+        world->ui.onProcessEvents = [&] {
+            if (done || w->ui.statusTexts.isEmpty() ||
+                w->ui.statusTexts.last() !=
+                    QStringLiteral("Uploading the large copy of file: ") + rows.at(3))
+                return;
+            done = true;
+            // The folder goes aside, a file takes its name, and the session is lost.
+            const QString photos = w->remote(QStringLiteral("/Photos"));
+            QVERIFY(QDir().rename(photos, w->remote(QStringLiteral("/Aside"))));
+            QFile file(photos);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.close();
+            w->ftp.CloseConnection();
+        };
+        world->run();
+        QVERIFY(done);
+        QVERIFY(!world->ui.messages.isEmpty());
+        QCOMPARE(world->ui.messages.at(0).text, QStringLiteral("FTP Path is not a directory."));
+        QVERIFY(QFileInfo(world->remote(QStringLiteral("/Photos"))).isFile());
+    }
+
     void aDroppedConnectionIsTakenUpAgain()
     {
         auto world = makeWorld();
