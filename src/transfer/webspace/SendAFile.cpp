@@ -82,25 +82,29 @@ SendAFileResult SendThisFile(TransferContext &context, SendAFileInputs &inputs,
     context.window.ReloadFTPList();
     context.window.showUploadPath(ftp.CurrentDirectory());
 
+    // A directory that is a file, or that cannot be made, ends the job; the disconnect comes
+    // last and leaves the rings of the FTP tab.
+    const auto noDirectory = [&] {
+        state.UserResponse.clear();
+        window.shapeEvent(20);
+        context.window.cmdDisconnect();
+        result.outcome = Outcome::NoDirectory;
+        result.sName = inputs.sName;
+        return result;
+    };
     const auto ensure = [&](const QString &name) { return EnsureFTPDirectory(context, name); };
     const QString clientRoot = inputs.ClientRoot.trimmed();
     if (!clientRoot.isEmpty()) {
         QString directory = clientRoot;
         directory.replace(QLatin1Char(' '), QLatin1Char('_'));
-        if (!ensure(directory)) {
-            state.UserResponse.clear();
-            window.shapeEvent(20);
-            context.window.cmdDisconnect();
-            result.outcome = Outcome::NoDirectory;
-            result.sName = inputs.sName;
-            return result;
-        }
+        if (!ensure(directory))
+            return noDirectory();
     }
-    if (!ensure(inputs.sName)) {
-        context.window.cmdDisconnect();
-        return finish(Outcome::NoDirectory);
-    }
+    if (!ensure(inputs.sName))
+        return noDirectory();
 
+    // The session is closed after a wrong path as after any other failed step, so that no
+    // login is left behind in a place the user did not choose.
     if (!verifyUploadPath(ftp, inputs.sName)) {
         ui.Message(
             QStringLiteral("The connection to the upload path has failed. Select to resend."),

@@ -225,6 +225,7 @@ private slots:
         QVERIFY(!m_fx->ftp->IsConnected());
         // The disconnect comes last and leaves the rings of the FTP tab.
         QVERIFY(m_fx->window->ring(14)->isShown());
+        QVERIFY(!m_fx->window->ring(10)->isShown());
     }
 
     void nameThatIsAFileStops()
@@ -234,6 +235,10 @@ private slots:
         QVERIFY(pointer().isEmpty());
         QCOMPARE(readFile(home("/Mon")), QByteArray("a file"));
         QVERIFY(!m_fx->ftp->IsConnected());
+        // As for a ClientRoot that is a file: the job's end, then the disconnect's rings.
+        QVERIFY(m_fx->window->ring(14)->isShown());
+        QVERIFY(!m_fx->window->ring(10)->isShown());
+        QVERIFY(JobState::instance().UserResponse.isEmpty());
     }
 
     void directoryThatCantBeMadeIsTold()
