@@ -40,6 +40,10 @@ int main(int argc, char *argv[])
     photoBuild->setDisconnector([tab = webSpace.tab] { tab->cmdDisconnect_Click(); });
     frmAction::Install(&window, [&window] { window.HelpButton_Click(); });
     window.Load();
+    // The session transfers in binary; the mode flag says active, while the data connections
+    // themselves stay passive.
+    mFTP.SetModeActive();
+    mFTP.SetTransferBinary();
     window.show();
     return QApplication::exec();
 }
