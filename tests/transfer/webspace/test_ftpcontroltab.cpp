@@ -410,6 +410,33 @@ private slots:
         QVERIFY(m_fx->ui.statusTexts.contains(QStringLiteral("Sending files")));
     }
 
+    void uploadFolderMakesEmptySubFoldersToo()
+    {
+        QTemporaryDir local;
+        writeFile(local.filePath(QStringLiteral("Album/deep/inner/two.txt")), "two");
+        QVERIFY(QDir().mkpath(local.filePath(QStringLiteral("Album/empty one"))));
+        QVERIFY(QDir().mkpath(local.filePath(QStringLiteral("Album/deep/also empty"))));
+        connectTab();
+        m_tab->uploadFolder(local.filePath(QStringLiteral("Album")));
+        QCOMPARE(readFile(home("/Album/deep/inner/two.txt")), QByteArray("two"));
+        QVERIFY(QFileInfo(home("/Album/empty one")).isDir());
+        QVERIFY(QFileInfo(home("/Album/deep/also empty")).isDir());
+        QCOMPARE(QDir(home("/Album")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+                 (QStringList{QStringLiteral("deep"), QStringLiteral("empty one")}));
+        QCOMPARE(lblDir(), QStringLiteral("Current Directory: /"));
+        QVERIFY(m_fx->ui.messages.isEmpty());
+    }
+
+    void uploadOfAnEmptyFolderMakesItsDirectory()
+    {
+        QTemporaryDir local;
+        QVERIFY(QDir().mkpath(local.filePath(QStringLiteral("Nothing yet"))));
+        connectTab();
+        m_tab->uploadFolder(local.filePath(QStringLiteral("Nothing yet")));
+        QVERIFY(QFileInfo(home("/Nothing yet")).isDir());
+        QVERIFY(row("Nothing yet"));
+    }
+
     void uploadStartsAfreshAfterAnEarlierCancel()
     {
         QTemporaryDir local;

@@ -56,8 +56,13 @@ public:
     // Asks for files or a folder, then sends them.
     void cmdUpload_Click();
     // Sends files below baseFolder into the current directory, making the sub-directories
-    // that lie between baseFolder and each file.
-    void uploadFiles(const QString &baseFolder, const QStringList &files);
+    // that lie between baseFolder and each file, and those of folders (below baseFolder too),
+    // which may hold no file at all.
+    void uploadFiles(const QString &baseFolder, const QStringList &files,
+                     const QStringList &folders = QStringList());
+    // Sends a folder with everything below it, its empty sub-folders included, as a directory
+    // of that name under the current one.
+    void uploadFolder(const QString &folder);
     void cmdCreateDir_Click();
     void cmdRename_Click();
     void cmdDelete_Click();

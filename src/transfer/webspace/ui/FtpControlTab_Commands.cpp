@@ -210,20 +210,33 @@ void FtpControlTab::cmdUpload_Click()
     } else if (chosen == folder) {
         const QString base =
             QFileDialog::getExistingDirectory(&m_window, tr("Upload File to Server"), start);
-        if (base.isEmpty())
-            return;
-        QStringList picked;
-        QDirIterator walk(base, QDir::Files | QDir::Hidden | QDir::NoSymLinks,
-                          QDirIterator::Subdirectories);
-        while (walk.hasNext())
-            picked.append(walk.next());
-        picked.sort(Qt::CaseInsensitive);
-        // The folder itself becomes a directory on the server, with its sub-folders below.
-        uploadFiles(QFileInfo(base).absolutePath(), picked);
+        if (!base.isEmpty())
+            uploadFolder(base);
     }
 }
 
-void FtpControlTab::uploadFiles(const QString &baseFolder, const QStringList &files)
+void FtpControlTab::uploadFolder(const QString &folder)
+{
+    const QString base = QFileInfo(folder).absoluteFilePath();
+    QStringList picked;
+    QDirIterator walk(base, QDir::Files | QDir::Hidden | QDir::NoSymLinks,
+                      QDirIterator::Subdirectories);
+    while (walk.hasNext())
+        picked.append(walk.next());
+    picked.sort(Qt::CaseInsensitive);
+    QStringList folders = {base};
+    QDirIterator directories(base,
+                             QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden | QDir::NoSymLinks,
+                             QDirIterator::Subdirectories);
+    while (directories.hasNext())
+        folders.append(directories.next());
+    folders.sort(Qt::CaseInsensitive);
+    // The folder itself becomes a directory on the server, with its sub-folders below.
+    uploadFiles(QFileInfo(base).absolutePath(), picked, folders);
+}
+
+void FtpControlTab::uploadFiles(const QString &baseFolder, const QStringList &files,
+                                const QStringList &folders)
 {
     JobUi &ui = m_ui;
     const QDir base(baseFolder);
@@ -236,14 +249,24 @@ void FtpControlTab::uploadFiles(const QString &baseFolder, const QStringList &fi
     const QString start = m_ftp.GetFTPDirectory().trimmed();
 
     // The directory of each file, relative to the base folder, in the order first met.
-    QStringList directories;
-    QStringList fileDirectories;
-    for (const QString &file : files) {
-        QString relative = base.relativeFilePath(QFileInfo(file).absolutePath());
+    const auto relativeOf = [&base](const QString &folder) {
+        QString relative = base.relativeFilePath(folder);
         relative.replace(QLatin1Char('\\'), QLatin1Char('/'));
         if (relative == QLatin1String("."))
             relative.clear();
+        return relative;
+    };
+    QStringList directories;
+    QStringList fileDirectories;
+    for (const QString &file : files) {
+        const QString relative = relativeOf(QFileInfo(file).absolutePath());
         fileDirectories.append(relative);
+        if (!relative.isEmpty() && !directories.contains(relative))
+            directories.append(relative);
+    }
+    // Folders of the selection that hold no file are made all the same.
+    for (const QString &folder : folders) {
+        const QString relative = relativeOf(QFileInfo(folder).absoluteFilePath());
         if (!relative.isEmpty() && !directories.contains(relative))
             directories.append(relative);
     }
