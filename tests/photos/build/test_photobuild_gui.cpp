@@ -23,6 +23,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QQueue>
 #include <QTemporaryDir>
@@ -209,6 +210,17 @@ private slots:
         QVERIFY(QFileInfo(Folders::HistoryFolder() + QStringLiteral("/Trip_to_NY_May_2007.hst"))
                     .isFile());
         QVERIFY(!window.ProgressFrame()->isVisible());
+        // FTP_pointer on the History tab: one line per thumbnail sent, group 0 too.
+        auto *ftpPointer = window.findChild<QPlainTextEdit *>(QStringLiteral("FTP_pointer"));
+        QVERIFY(ftpPointer && ftpPointer->isReadOnly());
+        QVERIFY(frame->historyPage()->isAncestorOf(ftpPointer));
+        const QStringList pointers = ftpPointer->toPlainText().split(QLatin1Char('\n'));
+        QCOMPARE(pointers.size(), 12);
+        QVERIFY(pointers.contains(
+            QStringLiteral("www.example.com/Photos/Trip_to_NY_May_2007/Sml_00070_Tree_Left.jpg")));
+        QVERIFY(pointers.contains(
+            QStringLiteral("www.example.com/Photos/Trip_to_NY_May_2007/Sml_00000_Spare.jpg")));
+        QCOMPARE(build->FTP_pointer().count(QStringLiteral("\r\n")), 12);
         QCOMPARE(driver.messages.size(), 1); // the time of the turn to the left
         QVERIFY(driver.messages.at(0).startsWith(QStringLiteral("Time = ")));
 

@@ -340,6 +340,7 @@ void PhotoBuildController::setPagePointer(const QString &pointer)
 void PhotoBuildController::setThumbnailPointers(const QString &pointers)
 {
     m_thumbnailPointers = pointers;
+    m_frame.historyPage()->setThumbnailPointers(pointers);
 }
 
 PhotoBuildController *InstallPhotoBuild(frmMain &window, PhotoFrame &frame, cFTP &ftp)

@@ -12,7 +12,9 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -81,9 +83,23 @@ PhotoFrameHistory::PhotoFrameHistory(PhotoPage &page, PhotoFrameServices &servic
     pointerRow->addWidget(pointerCaption);
     pointerRow->addWidget(m_pagePointer, 1);
 
+    // The thumbnails' addresses, for a user who links to one picture: a few lines to read and
+    // copy from, not to edit.
+    auto *thumbnailsCaption = new QLabel(QStringLiteral("Thumbnail Pointers"), frame);
+    m_thumbnailPointers = new QPlainTextEdit(frame);
+    m_thumbnailPointers->setObjectName(QStringLiteral("FTP_pointer"));
+    m_thumbnailPointers->setReadOnly(true);
+    m_thumbnailPointers->setLineWrapMode(QPlainTextEdit::NoWrap);
+    m_thumbnailPointers->setMaximumHeight(
+        5 * m_thumbnailPointers->fontMetrics().lineSpacing() +
+        2 * m_thumbnailPointers->frameWidth() + 8 +
+        m_thumbnailPointers->style()->pixelMetric(QStyle::PM_ScrollBarExtent));
+
     auto *frameLayout = new QVBoxLayout(frame);
     frameLayout->addLayout(listRow, 1);
     frameLayout->addLayout(pointerRow);
+    frameLayout->addWidget(thumbnailsCaption);
+    frameLayout->addWidget(m_thumbnailPointers);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(10, 10, 10, 10);
@@ -171,4 +187,18 @@ void PhotoFrameHistory::setPagePointer(const QString &pointer)
 QString PhotoFrameHistory::pagePointer() const
 {
     return m_pagePointer->text();
+}
+
+void PhotoFrameHistory::setThumbnailPointers(const QString &pointers)
+{
+    QString shown = pointers;
+    shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    if (shown.endsWith(QLatin1Char('\n')))
+        shown.chop(1);
+    m_thumbnailPointers->setPlainText(shown);
+}
+
+QString PhotoFrameHistory::thumbnailPointers() const
+{
+    return m_thumbnailPointers->toPlainText();
 }

@@ -6,6 +6,7 @@
 
 class QLabel;
 class QListWidget;
+class QPlainTextEdit;
 class QPushButton;
 struct PhotoPage;
 
@@ -30,6 +31,9 @@ public:
     // FTP_page_pointer: the pointer of the page's last upload.
     void setPagePointer(const QString &pointer);
     QString pagePointer() const;
+    // FTP_pointer: one line per thumbnail of the last upload (lines may end in CR LF).
+    void setThumbnailPointers(const QString &pointers);
+    QString thumbnailPointers() const;
 
 signals:
     // The current record was replaced by a History file's contents.
@@ -44,4 +48,5 @@ private:
     QPushButton *m_showHst = nullptr;
     QPushButton *m_deleteHst = nullptr;
     QLabel *m_pagePointer = nullptr;
+    QPlainTextEdit *m_thumbnailPointers = nullptr;
 };
