@@ -505,6 +505,9 @@ private slots:
         QVERIFY(UploadFileToFTP(
             job.context, localFile(QStringLiteral("quiet.bin"), TestPattern(8 * 1024 * 1024))));
         QVERIFY(!seenVisible);
+        // The dialog was there, out of sight, while the file went, and is gone afterwards.
+        QVERIFY(seenLoaded);
+        QVERIFY(!job.progress.dialog());
         // The toggle on the dialog itself.
         JobState::instance().BackgroundRequested = false;
         dlgFTP dialog(JobState::instance());
@@ -512,7 +515,6 @@ private slots:
         QVERIFY(JobState::instance().BackgroundRequested);
         dialog.findChild<QPushButton *>(QStringLiteral("Command2"))->click();
         QVERIFY(!JobState::instance().BackgroundRequested);
-        Q_UNUSED(seenLoaded);
     }
 
     void windowStaysLiveDuringALargeTransfer()
