@@ -1,3 +1,4 @@
+#include "../ui/PickerFixtures.h"
 #include "FrameFixture.h"
 
 #include "Folders.h"
@@ -302,6 +303,36 @@ private slots:
         QCOMPARE(f.page().PhotoNumber, qint16(2));
         QCOMPARE(f.page().PhotoName[1], QStringLiteral("broken_Left.jpg"));
         QVERIFY(!QFile::exists(f.readyFile(QStringLiteral("00050_broken_Left.jpg"))));
+    }
+
+    // A photo stored sideways (EXIF orientation 6) shows upright, fitted by its upright size.
+    void aSidewaysPhotoIsPreviewedUprightAndFitted()
+    {
+        FrameFixture f;
+        // Stored 1600 x 400 with red on the left: upright it is 400 x 1600 with red on top.
+        QVERIFY(WriteTestJpeg(f.sourceFile(QStringLiteral("Tower.jpg")), 1600, 400, 6));
+        f.frame().readyToSend()->refreshSource();
+        f.selectSource({QStringLiteral("Tower.jpg")});
+        f.click(QStringLiteral("CopyButton_0"));
+        f.clickRow(f.file3(), QStringLiteral("00050_Tower.jpg"));
+
+        auto *preview = f.find<QLabel>(QStringLiteral("CurrentImage"));
+        const QSize box = preview->contentsRect().size();
+        QVERIFY(box.width() < 1600 && box.height() < 1600);
+        const QImage shown = preview->pixmap().toImage();
+        QVERIFY(!shown.isNull());
+        QVERIFY2(shown.width() <= box.width() && shown.height() <= box.height(),
+                 qPrintable(QStringLiteral("%1x%2 in %3x%4")
+                                .arg(shown.width())
+                                .arg(shown.height())
+                                .arg(box.width())
+                                .arg(box.height())));
+        QVERIFY(shown.height() == box.height() || shown.width() == box.width());
+        QVERIFY(shown.height() > 3 * shown.width());
+        const QColor top = shown.pixelColor(shown.width() / 2, shown.height() / 8);
+        const QColor bottom = shown.pixelColor(shown.width() / 2, shown.height() * 7 / 8);
+        QVERIFY(top.red() > 200 && top.blue() < 60);
+        QVERIFY(bottom.blue() > 200 && bottom.red() < 60);
     }
 
     void enterTogglesTheSelectionOfTheCurrentRow()

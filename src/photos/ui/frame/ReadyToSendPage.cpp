@@ -2,6 +2,7 @@
 
 #include "History.h"
 #include "PhotoPage.h"
+#include "PictureLoader.h"
 
 #include <QCheckBox>
 #include <QEvent>
@@ -9,7 +10,6 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QImageReader>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -349,13 +349,12 @@ QString ReadyToSendPage::sourcePath(const QString &name) const
 void ReadyToSendPage::showPreview(const QString &path)
 {
     clearPreview();
-    QImageReader reader(path);
-    reader.setAutoTransform(true);
-    const QSize size = reader.size();
+    // Fitted by the upright size: a photo stored sideways is turned before it is measured.
+    const QSize size = ReadPictureSize(path);
     const QSize box = m_currentImage->contentsRect().size();
-    if (size.isValid() && box.isValid())
-        reader.setScaledSize(size.scaled(box, Qt::KeepAspectRatio));
-    const QImage image = reader.read();
+    const QImage image = size.isValid() && box.isValid()
+                             ? ReadPictureScaled(path, size.scaled(box, Qt::KeepAspectRatio))
+                             : ReadPicture(path);
     if (image.isNull())
         return; // a file that is not a picture leaves the preview empty
     m_currentImage->setPixmap(QPixmap::fromImage(image));
