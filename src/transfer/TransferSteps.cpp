@@ -65,6 +65,8 @@ bool UploadFileToFTP(TransferContext &context, const QString &localPath)
 
     TransferEngine engine(context.progress, context.state);
     bool sent = false;
+    // Whether any attempt sent straight under the file's own name.
+    bool wentDirect = false;
     for (int attempt = 1; attempt <= Attempts && !sent; ++attempt) {
         if (attempt > 1) {
             context.progress.UnloadProgress();
@@ -75,6 +77,7 @@ bool UploadFileToFTP(TransferContext &context, const QString &localPath)
         const FtpAccount account = context.window.account();
         sent = engine.SessionUpload(account.server, account.user, account.password, directory,
                                     localPath);
+        wentDirect = wentDirect || engine.LastSentDirect;
         // A cancelled file is not tried again.
         if (!sent && (engine.LastWasCancelled || context.state.skipped()))
             break;
@@ -84,7 +87,7 @@ bool UploadFileToFTP(TransferContext &context, const QString &localPath)
     // A send that went straight under the file's own name may have left a partial copy there.
     if (!sent) {
         QStringList leftovers = {TransferEngine::TemporaryName(name)};
-        if (engine.LastSentDirect)
+        if (wentDirect)
             leftovers.append(name);
         const QString failure = context.ftp.GetLastErrorMessage();
         for (const QString &leftover : std::as_const(leftovers)) {
