@@ -7,9 +7,6 @@
 #include "frmMain.h"
 
 #include <QApplication>
-#include <QTimer>
-
-#include <cstdlib>
 
 int main(int argc, char *argv[])
 {
@@ -23,15 +20,7 @@ int main(int argc, char *argv[])
     // The window's one FTP session, shared by every job and the FTP tab.
     cFTP mFTP;
     frmMain window;
-    QObject::connect(&window, &frmMain::programEnding, &app, [] {
-        const auto windows = QApplication::topLevelWidgets();
-        for (QWidget *widget : windows)
-            widget->hide();
-        QApplication::exit(0);
-        // Asked inside a job's wait, the job would otherwise run on unseen to its end: the
-        // program ends at once. Settings are written as they change, so nothing is lost.
-        QTimer::singleShot(0, [] { std::_Exit(0); });
-    });
+    QObject::connect(&window, &frmMain::programEnding, &app, [] { frmMain::EndProgram(); });
     PhotoFrame *photoFrame = InstallPhotoFrame(window);
     PhotoBuildController *photoBuild = InstallPhotoBuild(window, *photoFrame, mFTP);
     // The FTP tab, Send a File and the Configuration page; builders list through the tab.

@@ -164,6 +164,12 @@ public:
     // Overrides the help context while TabFrame(tab) is shown; return 0 to keep the default.
     void setHelpContextProvider(int tab, std::function<int()> provider);
 
+    // What follows programEnding: every window is hidden, the event loops are told to end and,
+    // at the next turn of whichever loop still runs (a job may be waiting inside one),
+    // endingAction is called. By default it ends the process at once, so that a job can't run
+    // on unseen to its end; settings are written as they change, so nothing is lost.
+    static void EndProgram(std::function<void()> endingAction = {});
+
 signals:
     // The user chose to end the program (ExitMenu or the window's close, answered Yes).
     void programEnding();

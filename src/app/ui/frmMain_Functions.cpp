@@ -11,6 +11,9 @@
 #include <QMessageBox>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QTimer>
+
+#include <cstdlib>
 
 namespace {
 
@@ -130,6 +133,17 @@ void frmMain::askExit()
                               QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
     if (answer == QMessageBox::Yes)
         emit programEnding(); // at once, the connection left as it is
+}
+
+void frmMain::EndProgram(std::function<void()> endingAction)
+{
+    if (!endingAction)
+        endingAction = [] { std::_Exit(0); };
+    const auto windows = QApplication::topLevelWidgets();
+    for (QWidget *widget : windows)
+        widget->hide();
+    QApplication::exit(0);
+    QTimer::singleShot(0, qApp, std::move(endingAction));
 }
 
 void frmMain::closeEvent(QCloseEvent *event)
