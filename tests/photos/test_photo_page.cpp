@@ -141,6 +141,21 @@ private slots:
         }
     }
 
+    // An empty title ("||Blank||" at the prompt) takes its own line out, not the page's <title>.
+    void anEmptyTitleLeavesThePageItsTitleElement()
+    {
+        QTemporaryDir dir;
+        PhotoPage page;
+        const QString html = buildPage(dir.path(), page, QString(), "Intro");
+        QCOMPARE(html.count("<title>"), 1);
+        QCOMPARE(html.count("</title>"), 1);
+        QVERIFY(html.indexOf("<title>") < html.indexOf("</title>"));
+        QVERIFY(html.indexOf("</title>") < html.indexOf("</head>"));
+        QVERIFY(!html.contains("<h1>"));
+        QString why;
+        QVERIFY2(tagsBalance(html, &why), qPrintable(why));
+    }
+
     void twelvePhotosMakeACompletePage()
     {
         QTemporaryDir dir;
@@ -194,7 +209,7 @@ private slots:
         QVERIFY(html.startsWith("<!DOCTYPE html>\n<html lang=\"en\">"));
         QVERIFY(html.contains("<meta charset=\"utf-8\">"));
         QVERIFY(html.contains("name=\"viewport\""));
-        QVERIFY(html.contains("<title>Trip to NY May 2007</title>"));
+        QVERIFY(html.contains(QRegularExpression("<title>\\s*Trip to NY May 2007\\s*</title>")));
         QVERIFY(html.contains("<h1>Trip to NY May 2007</h1>"));
         QVERIFY(html.contains("A week in the city, twelve photos!"));
         QVERIFY(html.contains("Wow!! What a view"));
