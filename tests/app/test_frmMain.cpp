@@ -318,6 +318,12 @@ private slots:
         entry->trigger();
         QVERIFY(entry->isChecked());
         QCOMPARE(GetSetting(QStringLiteral("SpellCheck")), QStringLiteral("True"));
+        // Without a checker the two entries show but can't be chosen.
+        QVERIFY(action(QStringLiteral("CheckSpellingMenu"))->isVisible());
+        QVERIFY(action(QStringLiteral("CheckSpellingAllMenu"))->isVisible());
+        QVERIFY(!action(QStringLiteral("CheckSpellingMenu"))->isEnabled());
+        QVERIFY(!action(QStringLiteral("CheckSpellingAllMenu"))->isEnabled());
+        m_main->setSpellChecker([](const QString &text) { return text; });
         QVERIFY(action(QStringLiteral("CheckSpellingMenu"))->isEnabled());
         QVERIFY(action(QStringLiteral("CheckSpellingAllMenu"))->isEnabled());
 
@@ -328,7 +334,36 @@ private slots:
         QVERIFY(!entry->isChecked());
         QCOMPARE(GetSetting(QStringLiteral("SpellCheck")), QStringLiteral("False"));
         QVERIFY(!action(QStringLiteral("CheckSpellingMenu"))->isEnabled());
+        QVERIFY(!action(QStringLiteral("CheckSpellingAllMenu"))->isEnabled());
         QVERIFY(!seen->seen);
+    }
+
+    void spellingEntriesWaitForAChecker()
+    {
+        // Stored as on: the entries are ticked on but stay disabled until a checker comes.
+        SaveSetting(QStringLiteral("SpellCheck"), QStringLiteral("True"));
+        start();
+        QVERIFY(action(QStringLiteral("SpellCheckOn"))->isChecked());
+        QVERIFY(!action(QStringLiteral("CheckSpellingMenu"))->isEnabled());
+        QVERIFY(!action(QStringLiteral("CheckSpellingAllMenu"))->isEnabled());
+        m_main->setSpellChecker([](const QString &text) { return text; });
+        QVERIFY(action(QStringLiteral("CheckSpellingMenu"))->isEnabled());
+        QVERIFY(action(QStringLiteral("CheckSpellingAllMenu"))->isEnabled());
+        m_main->setSpellChecker({});
+        QVERIFY(!action(QStringLiteral("CheckSpellingMenu"))->isEnabled());
+
+        // A checker installed before Load, with the setting on.
+        m_main = std::make_unique<frmMain>();
+        m_main->setSpellChecker([](const QString &text) { return text; });
+        m_main->Load();
+        QVERIFY(action(QStringLiteral("CheckSpellingMenu"))->isEnabled());
+        QVERIFY(action(QStringLiteral("CheckSpellingAllMenu"))->isEnabled());
+        // With the setting off, a checker alone does not enable them.
+        SaveSetting(QStringLiteral("SpellCheck"), QStringLiteral("False"));
+        m_main = std::make_unique<frmMain>();
+        m_main->setSpellChecker([](const QString &text) { return text; });
+        m_main->Load();
+        QVERIFY(!action(QStringLiteral("CheckSpellingMenu"))->isEnabled());
     }
 
     void tabMenuAndTabStripOpenFunctions()
@@ -617,7 +652,7 @@ private slots:
                                     QStringLiteral("Is ")));
         QCOMPARE(GetSetting(QStringLiteral("SpellCheck")), QStringLiteral("True"));
         QVERIFY(action(QStringLiteral("SpellCheckOn"))->isChecked());
-        QVERIFY(action(QStringLiteral("CheckSpellingMenu"))->isEnabled());
+        QVERIFY(!action(QStringLiteral("CheckSpellingMenu"))->isEnabled()); // no checker yet
         QCOMPARE(GetSetting(QStringLiteral("Bit32")), QStringLiteral("True"));
         QVERIFY(action(QStringLiteral("XPorBetter"))->isChecked());
         for (const QString &folder :

@@ -394,6 +394,7 @@ void frmMain::setSpellChecker(std::function<QString(const QString &)> checker)
     m_spellChecker = std::move(checker);
     if (m_inputBox)
         m_inputBox->setSpellChecker(m_spellChecker);
+    updateSpellingEntries();
 }
 
 void frmMain::setHelpContextProvider(int tab, std::function<int()> provider)
@@ -442,7 +443,14 @@ void frmMain::SpellCheckOn_Click()
     }
     SaveSetting(QStringLiteral("SpellCheck"), BoolText(on));
     m_spellCheckOn->setChecked(on);
-    m_checkSpellingMenu->setEnabled(on);
-    m_checkSpellingAllMenu->setEnabled(on);
     m_startup.SpellCheck = on;
+    updateSpellingEntries();
+}
+
+void frmMain::updateSpellingEntries()
+{
+    // The entries stay visible; they work once spell checking is on and a checker is there.
+    const bool usable = m_spellCheckOn->isChecked() && m_spellChecker;
+    m_checkSpellingMenu->setEnabled(usable);
+    m_checkSpellingAllMenu->setEnabled(usable);
 }

@@ -158,7 +158,8 @@ public:
     void addFunctionOpenedHook(std::function<void(int index, bool byTab)> hook);
     // The Configuration page: shown on the first run and by SetupPrompt; returns when answered.
     void setSetupPage(std::function<void()> page);
-    // The spelling check of a text; while unset, the prompt has no spell-check button.
+    // The spelling check of a text; while unset, the prompt has no spell-check button and
+    // CheckSpellingMenu and CheckSpellingAllMenu stay disabled whatever SpellCheck says.
     void setSpellChecker(std::function<QString(const QString &)> checker);
     const std::function<QString(const QString &)> &spellChecker() const { return m_spellChecker; }
     // Overrides the help context while TabFrame(tab) is shown; return 0 to keep the default.
@@ -188,6 +189,7 @@ private:
     void askExit();
     void PromptForSetup();
     void askSpellingQuestion();
+    void updateSpellingEntries();
     void readStartupSettings();
     void showTabFrame(int index);
     void openFunction(int index, bool byTab);

@@ -65,8 +65,7 @@ void frmMain::readStartupSettings()
     m_loadSpeed->setText(v.LoadSpeed);
     v.SpellCheck = readBool(setting("SpellCheck", "False"), v.SpellCheck);
     m_spellCheckOn->setChecked(v.SpellCheck);
-    m_checkSpellingMenu->setEnabled(v.SpellCheck);
-    m_checkSpellingAllMenu->setEnabled(v.SpellCheck);
+    updateSpellingEntries();
     m_highLightSteps->setChecked(highlight);
 
     v.ColourAndFont = WriteColourAndFontDefaults();
@@ -145,8 +144,7 @@ void frmMain::askSpellingQuestion()
                                       JobUi::Icon::Question) == JobUi::Answer::Yes;
     SaveSetting(QStringLiteral("SpellCheck"), BoolText(yes));
     m_spellCheckOn->setChecked(yes);
-    m_checkSpellingMenu->setEnabled(yes);
-    m_checkSpellingAllMenu->setEnabled(yes);
+    updateSpellingEntries();
 }
 
 void frmMain::DoCleanup()
