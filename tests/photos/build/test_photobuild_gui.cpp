@@ -28,6 +28,7 @@
 #include <QQueue>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextCursor>
 #include <QTimer>
 
 using namespace BuildFixture;
@@ -383,6 +384,73 @@ private slots:
         QTest::mouseClick(showHst, Qt::LeftButton);
         QCOMPARE(driver.messages, QStringList{QStringLiteral("No file has been selected.")});
         pump.stop();
+    }
+
+    // Text typed after pressing "Title" goes beside the picture last clicked; the page built
+    // afterwards keeps its title.
+    void typingAfterTitleChangesTheLastClickedCaptionNotTheTitle()
+    {
+        QTemporaryDir source, working;
+        QVERIFY(makePhoto(source.filePath(QStringLiteral("Tree.jpg")), Qt::darkGreen));
+        QVERIFY(makePhoto(source.filePath(QStringLiteral("Lake.jpg")), Qt::darkBlue));
+        SaveSetting(SettingKey::TempPath, working.path());
+        SaveSetting(QStringLiteral("CopyPath"), source.path());
+        SaveSetting(SettingKey::PromptForTitle, QStringLiteral("False"));
+        SaveSetting(SettingKey::PromptForDescription, QStringLiteral("False"));
+        ClearHistory(PhotoPage::instance());
+
+        cFTP ftp;
+        frmMain window;
+        PhotoFrame *frame = InstallPhotoFrame(window);
+        PhotoBuildController *build = InstallPhotoBuild(window, *frame, ftp);
+        frame->readFolders();
+        window.show();
+        window.FunctionSelectButton_Click(0);
+        QVERIFY(window.RunWithoutMenu());
+        window.RunWithoutMenu()->setChecked(true);
+
+        Driver driver;
+        driver.window = &window;
+        QTimer pump;
+        QObject::connect(&pump, &QTimer::timeout, [&driver] { driver.tick(); });
+        pump.start(2);
+
+        copyPicture(frame, QStringLiteral("Tree.jpg"), 0, QStringLiteral("50"));
+        copyPicture(frame, QStringLiteral("Lake.jpg"), 0, QStringLiteral("50"));
+        PhotoPage &page = PhotoPage::instance();
+        page.FileName = QStringLiteral("Evening");
+        page.Title = QStringLiteral("Our trip");
+
+        auto *file3 = frame->findChild<QListWidget *>(QStringLiteral("File3"));
+        const auto tree = file3->findItems(QStringLiteral("00050_Tree.jpg"), Qt::MatchExactly);
+        QVERIFY(!tree.isEmpty());
+        QTest::mouseClick(file3->viewport(), Qt::LeftButton, Qt::NoModifier,
+                          file3->visualItemRect(tree.first()).center());
+        button(frame, QStringLiteral("EditButtons_0"))->click();
+        auto *text1 = frame->findChild<QPlainTextEdit *>(QStringLiteral("Text1"));
+        QVERIFY(text1);
+        QCOMPARE(text1->toPlainText(), QStringLiteral("Our trip"));
+        text1->setFocus();
+        text1->moveCursor(QTextCursor::End);
+        QTest::keyClicks(text1, QStringLiteral(" at dusk"));
+        QCOMPARE(page.Title, QStringLiteral("Our trip"));
+
+        driver.answers.enqueue(QString()); // the name as offered
+        button(&window, QStringLiteral("cmdBuildAll"))->click();
+        pump.stop();
+        QCOMPARE(build->lastOutcome(), PhotoBuildOutcome::BuiltLocally);
+
+        QFile built(working.filePath(QStringLiteral("images/Evening/Photos.htm")));
+        QVERIFY(built.open(QIODevice::ReadOnly));
+        const QString html = QString::fromUtf8(built.readAll());
+        QVERIFY(html.contains(QStringLiteral("<h1>Our trip</h1>")));
+        QVERIFY(!html.contains(QStringLiteral("<h1>Our trip at dusk</h1>")));
+        QCOMPARE(html.count(QStringLiteral("Our trip at dusk")), 1);
+        const qsizetype treeAt = html.indexOf(QStringLiteral("Sml_00050_Tree.jpg"));
+        const qsizetype captionAt = html.indexOf(QStringLiteral("Our trip at dusk"));
+        QVERIFY(treeAt > 0 && captionAt > treeAt);
+        QCOMPARE(html.indexOf(QStringLiteral("</figure>"), treeAt),
+                 html.indexOf(QStringLiteral("</figure>"), captionAt));
     }
 
     void theProgressFramesCancelStopsAndASecondPressFinishes()
