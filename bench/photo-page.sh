@@ -1,20 +1,23 @@
 #!/usr/bin/env bash
 # Photo page benchmark: Build All of Tarnwick for 50 camera photos against a local FTP server,
 # and a shell script that does the same work with vipsthumbnail and curl: the Sml_ and Lrg_
-# copies at 15% and 30%, a page linking them, and every file sent into Photos/<page>/.
+# copies at 15% and 30%, a page linking them, and every file sent into Photos/<page>/. Then Build
+# All three times more with the main window on screen (offscreen): once to the end, once with
+# Cancel pressed while sizing and once with Cancel pressed while sending, reporting the longest
+# time the event loop went unserved and how soon the job returned after Cancel.
 #
 #   bench/photo-page.sh [BUILD_DIR]
 #
-# BUILD_DIR must hold tarnwick_photopage_bench (default build-photobuild-rel, a Release build:
-#   cmake -S . -B build-photobuild-rel -G Ninja -DCMAKE_BUILD_TYPE=Release -DTARNWICK_BUILD_TESTS=OFF
-#   cmake --build build-photobuild-rel --target tarnwick_photopage_bench).
+# BUILD_DIR must hold tarnwick_photopage_bench (default build-bench, a Release build:
+#   cmake -S . -B build-bench -G Ninja -DCMAKE_BUILD_TYPE=Release -DTARNWICK_BUILD_TESTS=OFF
+#   cmake --build build-bench --target tarnwick_photopage_bench).
 # Needs (bench only, not for the program): apt-get install -y mate-backgrounds libvips-tools
 # python3-pyftpdlib curl
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)
 source_dir=$(dirname "$here")
-build=${1:-$source_dir/build-photobuild-rel}
+build=${1:-$source_dir/build-bench}
 bench="$build/bin/tarnwick_photopage_bench"
 photos=/usr/share/backgrounds/mate
 wanted=50
@@ -104,6 +107,27 @@ printf '%-40s %8s %10s %10s %8s %8s\n' "Tarnwick Build All" "$t_wall" \
     "$(echo "$t_user + $t_sys" | bc)" "$((t_mem / 1024))" "$t_files" "$((t_size / 1000000))"
 printf '%-40s %8s %10s %10s %8s %8s\n' "vipsthumbnail + curl -T (script)" "$s_wall" \
     "$(echo "$s_user + $s_sys" | bc)" "$((s_mem / 1024))" "$s_files" "$((s_size / 1000000))"
+
+# Build All with the window on screen: to the end, then cancelled while sizing and while sending.
+# Each run has its own copy of the photos: a page that is sent empties its working folder.
+for run in none sizing upload; do
+    mkdir -p "$scratch/home-$run" "$scratch/live-$run"
+    cp "$scratch"/shell/*.jpg "$scratch/live-$run/"
+    options=(--live)
+    [ "$run" = none ] || options+=(--cancel-in "$run")
+    page=Live_$run
+    HOME="$scratch/home-$run" QT_QPA_PLATFORM=offscreen "$bench" "${options[@]}" \
+        "$scratch/live-$run" "127.0.0.1:$port" bench bench "$page" > "$scratch/live.out" \
+        2> /dev/null || true
+    echo "live, cancel in $run: $(grep -v '^live:\|^gap:\|^cancel:' "$scratch/live.out" | cut -c1-60)"
+    sed -n 's/^\(live\|gap\|cancel\): /    /p' "$scratch/live.out"
+    if [ -d "$scratch/web/Photos/$page" ]; then
+        echo "    on the server: $(ls "$scratch/web/Photos/$page" | wc -l) files in Photos/$page"
+    else
+        echo "    on the server: no Photos/$page"
+    fi
+done
+
 if [ -n "${KEEP_PAGE:-}" ]; then
     rm -rf "$KEEP_PAGE" && cp -r "$scratch/web/Photos/Tarnwick" "$KEEP_PAGE"
     echo "page kept in $KEEP_PAGE"

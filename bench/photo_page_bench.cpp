@@ -1,12 +1,22 @@
 // Build All for a benchmark: the pictures already in a working folder (named "<group>_<name>")
-// become the photo page "Bench" on an FTP server, through the program's own job, with no
-// window. Prints the run's outcome and the page's pointer.
+// become the photo page "Bench" on an FTP server, through the program's own job. Prints the
+// run's outcome and the page's pointer.
 //
-//   tarnwick_photopage_bench WORK SERVER USER PASSWORD [PAGE]
+//   tarnwick_photopage_bench [--live [--cancel-in sizing|upload]] WORK SERVER USER PASSWORD [PAGE]
+//
+// Without --live the job runs with no window. With --live the main window is on screen with its
+// progress frame and dlgFTP (any platform, offscreen too), a 10 ms timer stands in for the
+// window's own events and repaints the progress frame at every tick, and the run reports the
+// longest time the event loop went unserved during the sizing, the local build and the upload,
+// with the status and step texts that stood when each of those gaps began.
+// --cancel-in presses the progress frame's CancelButton once: at the 10th picture of the sizing,
+// or at the 21st section of the upload; the run then reports how soon the job returned.
 //
 // HOME should point at a scratch folder: the program's data tree is made there.
 
+#include "DialogTransferUi.h"
 #include "Folders.h"
+#include "GuiJobUi.h"
 #include "JobState.h"
 #include "JobUi.h"
 #include "PhotoBuild.h"
@@ -14,32 +24,55 @@
 #include "TransferSteps.h"
 #include "TransferUi.h"
 #include "cFTP.h"
+#include "dlgFTP.h"
+#include "frmMain.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
-#include <QGuiApplication>
+#include <QFrame>
+#include <QLabel>
 #include <QMimeData>
-#include <QTextStream>
+#include <QPushButton>
+#include <QTimer>
+
+#include <array>
+#include <functional>
 
 #include <cstdio>
 
 namespace {
 
-// Answers the name prompt with the page's name and everything else with OK.
+// Answers the name prompt with the page's name and everything else with OK. With a window, the
+// status and step texts go to its progress frame.
 class BenchUi final : public JobUi
 {
 public:
-    explicit BenchUi(QString name) : m_name(std::move(name)) {}
+    explicit BenchUi(QString name, frmMain *window = nullptr)
+        : m_name(std::move(name)), m_window(window)
+    {
+    }
     void ShowInputBox(JobState &state) override { state.UserResponse = m_name; }
-    Answer Message(const QString &text, const QString &, Buttons, Icon) override
+    Answer Message(const QString &text, const QString &, Buttons, Icon,
+                   std::optional<Answer>) override
     {
         std::fprintf(stderr, "message: %s\n", qPrintable(text));
         return Answer::Ok;
     }
     void ShowScrollMessage(const QString &) override {}
-    void SetStatusText(const QString &) override {}
-    void SetStepOf(const QString &) override {}
+    void SetStatusText(const QString &text) override
+    {
+        if (m_window)
+            m_window->jobUi().SetStatusText(text);
+        if (onStatus)
+            onStatus(text);
+    }
+    void SetStepOf(const QString &text) override
+    {
+        if (m_window)
+            m_window->jobUi().SetStepOf(text);
+    }
     bool OpenUrl(const QUrl &) override { return true; }
     void SetClipboard(QMimeData *data) override
     {
@@ -48,16 +81,18 @@ public:
     }
     void ProcessEvents() override { QCoreApplication::processEvents(); }
     QString pointer;
+    std::function<void(const QString &)> onStatus;
 
 private:
     QString m_name;
+    frmMain *m_window;
 };
 
 class BenchWindow final : public TransferWindow, public PhotoBuildWindow
 {
 public:
-    BenchWindow(cFTP &ftp, FtpAccount account, QString work)
-        : m_ftp(ftp), m_account(std::move(account)), m_work(std::move(work))
+    BenchWindow(cFTP &ftp, FtpAccount account, QString work, frmMain *window)
+        : m_ftp(ftp), m_account(std::move(account)), m_work(std::move(work)), m_window(window)
     {
     }
     FtpAccount account() const override { return m_account; }
@@ -74,22 +109,172 @@ public:
         options.ChoosenUploadPath = m_work;
         return options;
     }
+    void showProgressFrame(bool show) override
+    {
+        if (m_window)
+            m_window->showProgressFrame(show);
+    }
 
 private:
     cFTP &m_ftp;
     FtpAccount m_account;
     QString m_work;
     QString m_path;
+    frmMain *m_window;
 };
+
+// The three stretches of a Build All, told apart by the progress frame's status text.
+enum Phase
+{
+    Sizing,   // the prompts and the Sml_ and Lrg_ copies
+    Building, // the History file and Photos.htm
+    Upload,   // connecting, the directories, every file sent, disconnecting
+};
+
+// Watches a Build All on the window: how long the event loop went unserved in each phase, and,
+// when asked, one press of CancelButton.
+class LiveWatch
+{
+public:
+    LiveWatch(frmMain &window, DialogTransferUi &progress, QString cancelIn)
+        : m_window(window), m_progress(progress), m_cancelIn(std::move(cancelIn))
+    {
+        QObject::connect(&m_ticker, &QTimer::timeout, [this] { tick(); });
+    }
+
+    void start()
+    {
+        m_sinceTick.start();
+        m_run.start();
+        m_ticker.start(10);
+    }
+    void stop()
+    {
+        m_ticker.stop();
+        note(m_sinceTick.elapsed());
+    }
+    // Each status text the job shows, as it shows it.
+    void status(const QString &text)
+    {
+        m_status = text;
+        if (text == QLatin1String("Saving Information") ||
+            text == QLatin1String("Building Locally"))
+            m_phase = Building;
+        else if (m_phase == Building)
+            m_phase = Upload;
+    }
+
+    std::array<qint64, 3> longestGap{};
+    std::array<QString, 3> longestGapStatus; // the status text when that gap began
+    int ticks = 0;
+    QString cancelledAt; // the status and step texts when CancelButton was pressed
+    QElapsedTimer sinceCancel;
+
+private:
+    // A gap counts in the phase it began in.
+    void note(qint64 gap)
+    {
+        if (gap > longestGap[m_tickPhase]) {
+            longestGap[m_tickPhase] = gap;
+            longestGapStatus[m_tickPhase] =
+                m_tickStatus + QStringLiteral(" / ") + m_tickStep +
+                QStringLiteral(" / %1 ms into the run").arg(m_run.elapsed() - gap);
+        }
+        m_tickPhase = m_phase;
+        m_tickStatus = m_status;
+        m_tickStep = m_window.Stepof()->text();
+    }
+
+    void tick()
+    {
+        note(m_sinceTick.restart());
+        ++ticks;
+        if (m_window.ProgressFrame()->isVisible())
+            m_window.ProgressFrame()->repaint();
+        if (dlgFTP *dialog = m_progress.dialog(); dialog && dialog->isVisible())
+            dialog->repaint();
+        if (!cancelledAt.isEmpty() || m_cancelIn.isEmpty())
+            return;
+        // "10 of 50" while sizing; "Currently loading section 21 of 102" while sending.
+        const QString step = m_window.Stepof()->text();
+        const bool now = (m_cancelIn == QLatin1String("sizing") && m_phase == Sizing &&
+                          m_status == QLatin1String("Sizing Photos") &&
+                          step.section(QLatin1Char(' '), 0, 0).toInt() >= 10) ||
+                         (m_cancelIn == QLatin1String("upload") && m_phase == Upload &&
+                          step.section(QLatin1Char(' '), 3, 3).toInt() >= 21);
+        if (!now)
+            return;
+        cancelledAt = m_status + QStringLiteral(" / ") + step;
+        sinceCancel.start();
+        m_window.findChild<QPushButton *>(QStringLiteral("CancelButton"))->click();
+    }
+
+    frmMain &m_window;
+    DialogTransferUi &m_progress;
+    QString m_cancelIn;
+    QTimer m_ticker;
+    QElapsedTimer m_sinceTick;
+    Phase m_phase = Sizing;
+    QString m_status;
+    Phase m_tickPhase = Sizing;
+    QString m_tickStatus;
+    QString m_tickStep;
+    QElapsedTimer m_run;
+};
+
+const char *outcomeName(PhotoBuildOutcome outcome)
+{
+    switch (outcome) {
+    case PhotoBuildOutcome::Sent:
+        return "sent";
+    case PhotoBuildOutcome::NoImages:
+        return "no-images";
+    case PhotoBuildOutcome::Skipped:
+        return "skipped";
+    case PhotoBuildOutcome::BuiltLocally:
+        return "built-locally";
+    case PhotoBuildOutcome::Failed:
+        return "failed";
+    case PhotoBuildOutcome::WrongPath:
+        return "wrong-path";
+    case PhotoBuildOutcome::Cancelled:
+        return "cancelled";
+    default:
+        return "other";
+    }
+}
+
+int countFiles(const QString &folder, const QString &pattern)
+{
+    return int(QDir(folder).entryList({pattern}, QDir::Files).size());
+}
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    QGuiApplication app(argc, argv);
-    const QStringList args = app.arguments();
-    if (args.size() < 5) {
-        std::fprintf(stderr, "usage: %s WORK SERVER USER PASSWORD [PAGE]\n", argv[0]);
+    QApplication app(argc, argv);
+    QStringList args = app.arguments();
+    bool live = false;
+    QString cancelIn;
+    for (int i = 1; i < args.size();) {
+        if (args.at(i) == QLatin1String("--live")) {
+            live = true;
+            args.removeAt(i);
+        } else if (args.at(i) == QLatin1String("--cancel-in") && i + 1 < args.size()) {
+            cancelIn = args.at(i + 1);
+            args.remove(i, 2);
+        } else {
+            ++i;
+        }
+    }
+    if (args.size() < 5 ||
+        (!cancelIn.isEmpty() &&
+         (!live || (cancelIn != QLatin1String("sizing") && cancelIn != QLatin1String("upload"))))) {
+        std::fprintf(stderr,
+                     "usage: %s [--live [--cancel-in sizing|upload]] WORK SERVER USER PASSWORD "
+                     "[PAGE]\n",
+                     argv[0]);
         return 2;
     }
     Folders::MakeFolderTree();
@@ -120,12 +305,64 @@ int main(int argc, char *argv[])
 
     cFTP ftp;
     JobState &state = JobState::instance();
-    BenchUi ui(args.size() > 5 ? args.at(5) : QStringLiteral("Bench"));
-    SilentTransferUi progress;
-    BenchWindow window(ftp, {args.at(2), args.at(3), args.at(4)}, work);
-    TransferContext context{ftp, ui, state, window, progress};
-    const PhotoBuildOutcome outcome = PhotoBuildJob(page, context, window).cmdBuildAll();
+    std::unique_ptr<frmMain> window;
+    if (live) {
+        window = std::make_unique<frmMain>();
+        window->resize(1200, 800);
+        window->show();
+        // The window is painted once before the press, as it is when a user presses Build All.
+        QElapsedTimer shown;
+        shown.start();
+        while (shown.elapsed() < 500)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    }
+    BenchUi ui(args.size() > 5 ? args.at(5) : QStringLiteral("Bench"), window.get());
+    SilentTransferUi silent;
+    DialogTransferUi dialogs(state, window.get());
+    TransferUi &progress = live ? static_cast<TransferUi &>(dialogs) : silent;
+    BenchWindow benchWindow(ftp, {args.at(2), args.at(3), args.at(4)}, work, window.get());
+    TransferContext context{ftp, ui, state, benchWindow, progress};
+    PhotoBuildJob job(page, context, benchWindow);
+
+    std::unique_ptr<LiveWatch> watch;
+    if (live) {
+        watch = std::make_unique<LiveWatch>(*window, dialogs, cancelIn);
+        ui.onStatus = [&watch](const QString &text) { watch->status(text); };
+        watch->start();
+    }
+    QElapsedTimer clock;
+    clock.start();
+    const PhotoBuildOutcome outcome = job.cmdBuildAll();
+    const double seconds = clock.nsecsElapsed() / 1e9;
+    const qint64 cancelToReturn =
+        watch && watch->sinceCancel.isValid() ? watch->sinceCancel.elapsed() : -1;
     std::printf("%s %s\n", outcome == PhotoBuildOutcome::Sent ? "sent" : "not-sent",
                 qPrintable(ui.pointer));
-    return outcome == PhotoBuildOutcome::Sent ? 0 : 1;
+    if (!live)
+        return outcome == PhotoBuildOutcome::Sent ? 0 : 1;
+
+    watch->stop();
+    // Made copies on disk when the job returned, and a second later: nothing goes on behind it.
+    const int madeAtReturn = countFiles(job.ImageRoot, QStringLiteral("Lrg_*"));
+    QElapsedTimer settle;
+    settle.start();
+    while (settle.elapsed() < 1000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    const int madeLater = countFiles(job.ImageRoot, QStringLiteral("Lrg_*"));
+    std::printf(
+        "live: seconds=%.3f ticks=%d longest_gap_ms sizing=%lld building=%lld upload=%lld\n",
+        seconds, watch->ticks, watch->longestGap[Sizing], watch->longestGap[Building],
+        watch->longestGap[Upload]);
+    for (const Phase phase : {Sizing, Building, Upload})
+        std::printf("gap: %s %lld ms, began at \"%s\"\n",
+                    phase == Sizing     ? "sizing"
+                    : phase == Building ? "building"
+                                        : "upload",
+                    watch->longestGap[phase], qPrintable(watch->longestGapStatus[phase]));
+    if (!cancelIn.isEmpty())
+        std::printf("cancel: in=%s at=\"%s\" cancel_to_return_ms=%lld outcome=%s "
+                    "lrg_copies_at_return=%d lrg_copies_1s_later=%d\n",
+                    qPrintable(cancelIn), qPrintable(watch->cancelledAt), cancelToReturn,
+                    outcomeName(outcome), madeAtReturn, madeLater);
+    return 0;
 }
