@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 class TestSettings : public QObject
 {
@@ -20,7 +21,8 @@ private slots:
     void savedValueIsReadBackAsString()
     {
         SaveSetting(QStringLiteral("sml_resize"), QStringLiteral("15"));
-        QCOMPARE(GetSetting(QStringLiteral("sml_resize"), QStringLiteral("0")), QStringLiteral("15"));
+        QCOMPARE(GetSetting(QStringLiteral("sml_resize"), QStringLiteral("0")),
+                 QStringLiteral("15"));
         SaveSetting(QStringLiteral("AlernateLR"), BoolText(true));
         QCOMPARE(GetSetting(QStringLiteral("AlernateLR")), QStringLiteral("True"));
     }
@@ -36,12 +38,42 @@ private slots:
 
     void unreadableStoreBehavesAsEmpty()
     {
-        QDir().mkpath(TestHomePath() + QStringLiteral("/.config/Tarnwick"));
-        QFile file(TestHomePath() + QStringLiteral("/.config/Tarnwick/Tarnwick.conf"));
+        // Damaged so that the store can't be read as a whole, while a lenient reader would
+        // still find Server=x in it.
+        const QString conf = TestHomePath() + QStringLiteral("/.config/Tarnwick/Tarnwick.conf");
+        QDir().mkpath(QFileInfo(conf).absolutePath());
+        QFile file(conf);
         QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("\x00\xff\xfe[[[garbage\n=\n\x01\x02", 16);
+        file.write("[[[garbage\n=\n[Settings]\nServer=x\n");
         file.close();
-        QCOMPARE(GetSetting(QStringLiteral("Server"), QStringLiteral("none")), QStringLiteral("none"));
+        QCOMPARE(GetSetting(QStringLiteral("Server"), QStringLiteral("none")),
+                 QStringLiteral("none"));
+        QVERIFY(!HasSetting(QStringLiteral("Server")));
+
+        // Read once more, it stays empty; the first write starts a new store and the damaged
+        // one is kept aside.
+        QCOMPARE(GetSetting(QStringLiteral("Server"), QStringLiteral("none")),
+                 QStringLiteral("none"));
+        SaveSetting(QStringLiteral("Author"), QStringLiteral("ann"));
+        QCOMPARE(GetSetting(QStringLiteral("Author")), QStringLiteral("ann"));
+        QVERIFY(!HasSetting(QStringLiteral("Server")));
+        QFile aside(conf + QStringLiteral(".unreadable"));
+        QVERIFY(aside.open(QIODevice::ReadOnly));
+        QVERIFY(aside.readAll().contains("Server=x"));
+    }
+
+    void storeThatIsAFolderBehavesAsEmpty()
+    {
+        // Not even root can read a folder as the store file.
+        const QString conf = TestHomePath() + QStringLiteral("/.config/Tarnwick/Tarnwick.conf");
+        QVERIFY(QDir().mkpath(conf + QStringLiteral("/Settings")));
+        QCOMPARE(GetSetting(QStringLiteral("Server"), QStringLiteral("none")),
+                 QStringLiteral("none"));
+        QVERIFY(!HasSetting(QStringLiteral("Server")));
+        SaveSetting(QStringLiteral("Server"), QStringLiteral("x")); // lost, and no harm done
+        QCOMPARE(GetSetting(QStringLiteral("Server"), QStringLiteral("none")),
+                 QStringLiteral("none"));
+        QVERIFY(QFileInfo(conf).isDir());
     }
 
     void folderTreeIsMadeAndExistingTreeCostsNothing()
