@@ -15,6 +15,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QFrame>
 #include <QLabel>
 #include <QLayout>
@@ -33,6 +34,41 @@
 
 using IntSet = std::set<int>;
 Q_DECLARE_METATYPE(IntSet)
+
+namespace {
+
+// Answers every message box that comes up, Ok to the default data's error and No to the
+// rest, noting the texts, until stopped.
+struct Answerer
+{
+    QTimer timer;
+    QStringList texts;
+    Answerer()
+    {
+        QObject::connect(&timer, &QTimer::timeout, [this] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (!box || !box->isVisible())
+                return;
+            texts << box->text();
+            const bool error = box->text() == DefaultDataMissingMessage;
+            if (QAbstractButton *button = box->button(error ? QMessageBox::Ok : QMessageBox::No))
+                button->click();
+            else
+                box->reject();
+        });
+        timer.start(10);
+    }
+};
+
+QStringList colourAndFontKeys()
+{
+    return {QStringLiteral("PhotoBGColor"),   QStringLiteral("PhotoTitleColor"),
+            QStringLiteral("PhotoTextColor"), QStringLiteral("PhotoFont"),
+            QStringLiteral("MstrBGColor"),    QStringLiteral("MstrTitleColor"),
+            QStringLiteral("MstrTextColor"),  QStringLiteral("MstrFont")};
+}
+
+} // namespace
 
 class TestFrmMain : public QObject
 {
@@ -691,6 +727,64 @@ private slots:
         QVERIFY(m_main->copyFilesReport().signFileFound);
         QVERIFY(action(QStringLiteral("SpellCheckOn"))->isChecked());
         QCOMPARE(GetSetting(QStringLiteral("PhotoBGColor")), QStringLiteral("#7F7Fff"));
+    }
+
+    void unreadableSettingsStillReachTheStartScreen()
+    {
+        m_main.reset();
+        ClearTemporaryHome();
+        const QString conf = TestHomePath() + QStringLiteral("/.config/Tarnwick/Tarnwick.conf");
+        QDir().mkpath(QFileInfo(conf).absolutePath());
+        QFile file(conf);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("[[[garbage\n=\n[Settings]\nServer=x\nentry=5\n");
+        file.close();
+
+        Answerer answers;
+        m_main = std::make_unique<frmMain>();
+        m_main->Load();
+        m_main->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_main.get()));
+        // Read as empty: a first run, asked the spelling question, with no server.
+        QCOMPARE(answers.texts.size(), 1);
+        QVERIFY(answers.texts.first().startsWith(
+            QStringLiteral("The Spell Checker requires that you have ")));
+        QCOMPARE(m_main->txtServer()->text(), QString());
+        QVERIFY(m_main->StartFrame()->isVisible());
+        for (const QString &key : colourAndFontKeys())
+            QVERIFY2(HasSetting(key), qPrintable(key));
+        QCOMPARE(GetSetting(QStringLiteral("PhotoFont")), QStringLiteral("Arial"));
+        QVERIFY(!HasSetting(QStringLiteral("Server")));
+    }
+
+    void missingDataFolderIsToldAndTheStartGoesOn()
+    {
+        m_main.reset();
+        ClearTemporaryHome();
+        QTemporaryDir parent;
+        Folders::SetProgramFolder(parent.filePath(QStringLiteral("gone")));
+        Answerer answers;
+        m_main = std::make_unique<frmMain>();
+        m_main->Load();
+        Folders::SetProgramFolder(QStringLiteral(TARNWICK_STAGED_DATA_DIR));
+        m_main->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_main.get()));
+
+        // The error first, then the first run's spelling question.
+        QCOMPARE(answers.texts.size(), 2);
+        QCOMPARE(answers.texts.at(0), DefaultDataMissingMessage);
+        QVERIFY(answers.texts.at(1).startsWith(
+            QStringLiteral("The Spell Checker requires that you have ")));
+        QVERIFY(m_main->copyFilesReport().messageShown);
+        QVERIFY(m_main->copyFilesReport().copied.isEmpty());
+        QVERIFY(m_main->StartFrame()->isVisible());
+        for (const QString &folder :
+             {Folders::ImagesFolder(), Folders::HistoryFolder(), Folders::BackupFolder(),
+              Folders::StartupFolder(), Folders::BlogPointerFolder(),
+              Folders::MasterPointerFolder(), Folders::PhotosHtmlFolder()})
+            QVERIFY2(QDir(folder).exists(), qPrintable(folder));
+        for (const QString &key : colourAndFontKeys())
+            QVERIFY2(HasSetting(key), qPrintable(key));
     }
 
     void loadReadsSettingsIntoFields()
