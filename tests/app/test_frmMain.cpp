@@ -623,6 +623,27 @@ private slots:
         QCOMPARE(m_main->Text2(), QString());
     }
 
+    void uploadPathTimerWaitsForConnect()
+    {
+        // Load starts the other three timers; Timer3 belongs to the FTP tab's connection.
+        QVERIFY(child<QTimer>(QStringLiteral("Timer1"))->isActive());
+        QVERIFY(child<QTimer>(QStringLiteral("Timer4"))->isActive());
+        QVERIFY(!m_main->uploadPathTimerRunning());
+        QVERIFY(!child<QTimer>(QStringLiteral("Timer3"))->isActive());
+
+        m_main->txtWebSite()->setText(QStringLiteral("http://www.example.org"));
+        QString directory = QStringLiteral("/a");
+        m_main->setFtpDirectoryProvider([&directory] { return directory; });
+        m_main->setUploadPathTimerRunning(true);
+        QVERIFY(child<QTimer>(QStringLiteral("Timer3"))->isActive());
+        QTRY_COMPARE(m_main->UploadPath()->text(), QStringLiteral("http://www.example.org/a"));
+        m_main->setUploadPathTimerRunning(false);
+        directory = QStringLiteral("/b");
+        QTest::qWait(1300);
+        QCOMPARE(m_main->UploadPath()->text(), QStringLiteral("http://www.example.org/a"));
+        m_main->setFtpDirectoryProvider({});
+    }
+
     void uploadPathShowsSiteAndDirectory()
     {
         m_main->txtWebSite()->setText(QStringLiteral("http://www.example.org"));

@@ -140,6 +140,10 @@ public:
     void Wait(double seconds);
     void refreshDrives();
     void refreshUploadPath();
+    // Timer3 follows the FTP tab's connection: its Connect starts it, its Disconnect stops it,
+    // and UploadPath then keeps its last text.
+    void setUploadPathTimerRunning(bool running);
+    bool uploadPathTimerRunning() const;
 
     // The About line: system name, " Version ", kernel version.
     static QString SystemVersionLine();

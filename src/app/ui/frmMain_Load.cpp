@@ -116,8 +116,7 @@ void frmMain::Load()
         hook();
 
     m_timer1->start();
-    m_timer2->start();
-    m_timer3->start();
+    m_timer2->start(); // Timer3 waits for the FTP tab's Connect
     m_timer4->start();
     refreshDrives();
 }

@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QSysInfo>
+#include <QTimer>
 #include <QtConcurrent>
 
 #include <cmath>
@@ -37,6 +38,19 @@ void frmMain::refreshUploadPath()
 {
     const QString directory = m_ftpDirectory ? m_ftpDirectory().trimmed() : QString();
     m_uploadPath->setText(m_txtWebSite->text() + directory);
+}
+
+void frmMain::setUploadPathTimerRunning(bool running)
+{
+    if (running)
+        m_timer3->start();
+    else
+        m_timer3->stop();
+}
+
+bool frmMain::uploadPathTimerRunning() const
+{
+    return m_timer3->isActive();
 }
 
 void frmMain::Wait(double seconds)

@@ -5,6 +5,7 @@
 #include "WebSpaceFixture.h"
 
 #include <QLabel>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
 #include <QRadioButton>
@@ -171,6 +172,26 @@ private slots:
         QVERIFY(!m_fx->ftp->IsConnected());
         QVERIFY(!button("cmdDelete")->isEnabled());
         QCOMPARE(m_fx->window->windowTitle(), QStringLiteral("Tarnwick - Ready to Connect"));
+    }
+
+    void uploadPathFollowsTheSessionWhileConnected()
+    {
+        QLabel *uploadPath = m_fx->window->UploadPath();
+        QVERIFY(!m_fx->window->uploadPathTimerRunning());
+        connectTab();
+        QVERIFY(m_fx->window->uploadPathTimerRunning());
+        const QString site = m_fx->window->txtWebSite()->text();
+        QCOMPARE(uploadPath->text(), site + m_fx->ftp->CurrentDirectory());
+
+        // A move of the session made elsewhere shows within Timer3's second.
+        QVERIFY(m_fx->ftp->SetFTPDirectory(QStringLiteral("/sub")));
+        QTRY_COMPARE_WITH_TIMEOUT(uploadPath->text(), site + QStringLiteral("/sub"), 3000);
+
+        // Disconnected, it stops and the last path stays.
+        button("cmdDisconnect")->click();
+        QVERIFY(!m_fx->window->uploadPathTimerRunning());
+        QTest::qWait(1300);
+        QCOMPARE(uploadPath->text(), site + QStringLiteral("/sub"));
     }
 
     void parentRowAtTheTopLeavesTheList()

@@ -307,4 +307,7 @@ void FtpControlTab::EnableFTPButtons(bool flag)
          {m_cmdDownload, m_cmdUpload, m_cmdRename, m_cmdRefresh, m_cmdDeleteAll, m_cmdDelete,
           m_cmdCreateDir, m_upDirButton, m_refreshButton, m_pointerButton, m_delSelectionButton})
         button->setEnabled(flag);
+    // The buttons come with Connect and go with Disconnect, and so does the timer that shows
+    // the current directory in UploadPath.
+    m_window.setUploadPathTimerRunning(flag);
 }
