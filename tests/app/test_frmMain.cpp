@@ -173,6 +173,8 @@ private slots:
         QCOMPARE(m_main->windowTitle(), QStringLiteral("Tarnwick - Ready to Connect"));
         QVERIFY(!action(QStringLiteral("RunWithoutMenu"))->isChecked());
         QVERIFY(action(QStringLiteral("HighLightSteps"))->isChecked());
+        QCOMPARE(action(QStringLiteral("SetupPrompt"))->text(),
+                 QStringLiteral("&Configuration Settings"));
     }
 
     void functionButtonOpensFrameAndInstructions_data()

@@ -258,7 +258,7 @@ void frmMain::buildMenus()
 
     m_optionsMenu = menuBar()->addMenu(QStringLiteral("&Options"));
     m_optionsMenu->setObjectName(QStringLiteral("OptionsMenu"));
-    m_setupPrompt = m_optionsMenu->addAction(QStringLiteral("&Configuration Settings..."));
+    m_setupPrompt = m_optionsMenu->addAction(QStringLiteral("&Configuration Settings"));
     m_setupPrompt->setObjectName(QStringLiteral("SetupPrompt"));
     connect(m_setupPrompt, &QAction::triggered, this, &frmMain::PromptForSetup);
     m_runWithoutMenu = m_optionsMenu->addAction(QStringLiteral("Run Without Connections"));
