@@ -21,6 +21,7 @@ int main(int argc, char *argv[])
     cFTP mFTP;
     frmMain window;
     QObject::connect(&window, &frmMain::programEnding, &app, [] { frmMain::EndProgram(); });
+    window.followBlockTransfers(mFTP);
     PhotoFrame *photoFrame = InstallPhotoFrame(window);
     PhotoBuildController *photoBuild = InstallPhotoBuild(window, *photoFrame, mFTP);
     // The FTP tab, Send a File and the Configuration page; builders list through the tab.

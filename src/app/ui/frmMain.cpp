@@ -27,6 +27,9 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <limits>
+
 const QColor frmMain::RingGreen = QColor(0x00, 0xFF, 0x00);
 const QColor frmMain::RingYellow = QColor(0xFF, 0xFF, 0x00);
 
@@ -181,9 +184,11 @@ QWidget *frmMain::buildProgressFrame()
     m_progressBar->setObjectName(QStringLiteral("ProgressBar1"));
     m_progressBar->setRange(0, 100);
     m_progressBar->setValue(0);
+    m_progressBar->hide(); // shown by a block download only
     m_cancelButton = new QPushButton(QStringLiteral("Cancel"), card);
     m_cancelButton->setObjectName(QStringLiteral("CancelButton"));
-    // The job sees the flag at its next check; the file in flight completes.
+    // The transfer's progress callback sees the flag and stops the file in flight; the job
+    // stops at its next check.
     connect(m_cancelButton, &QPushButton::clicked, this,
             [] { JobState::instance().UploadCancelled = true; });
 
@@ -206,6 +211,36 @@ QWidget *frmMain::buildProgressFrame()
     outer->addStretch(3);
     m_progressFrame->hide();
     return m_progressFrame;
+}
+
+void frmMain::showDownloadBar(qint64 maximum)
+{
+    const qint64 top = std::max<qint64>(maximum, 0);
+    m_barUnit = top / std::numeric_limits<int>::max() + 1;
+    m_progressBar->setRange(0, static_cast<int>(top / m_barUnit));
+    m_progressBar->setValue(0);
+    m_progressBar->show();
+}
+
+void frmMain::setDownloadBarValue(qint64 value)
+{
+    m_progressBar->setValue(
+        static_cast<int>(std::clamp<qint64>(value / m_barUnit, 0, m_progressBar->maximum())));
+}
+
+void frmMain::hideDownloadBar()
+{
+    m_progressBar->hide();
+}
+
+void frmMain::mFTP_FileTransferProgress(qint64 currentBytes, qint64 totalBytes)
+{
+    // The maximum is the total; the value follows while it is below the total.
+    if (totalBytes / m_barUnit > std::numeric_limits<int>::max())
+        m_barUnit = totalBytes / std::numeric_limits<int>::max() + 1;
+    m_progressBar->setMaximum(static_cast<int>(std::max<qint64>(totalBytes, 0) / m_barUnit));
+    if (totalBytes > currentBytes)
+        m_progressBar->setValue(static_cast<int>(std::max<qint64>(currentBytes, 0) / m_barUnit));
 }
 
 void frmMain::buildSettingsFields()

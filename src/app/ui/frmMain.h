@@ -103,6 +103,23 @@ public:
     QLabel *Stepof() const { return m_stepOf; }
     QProgressBar *ProgressBar1() const { return m_progressBar; }
 
+    // ProgressBar1 follows the block transfers of the window's FTP session (a cFTP): hidden
+    // but for a block download, which shows it with its range and moves it. It serves as the
+    // bar of the session's FileTransferProgress as well (maximum the total, value the current
+    // count while below it), which is seen only while a download shows it.
+    template <typename Session> void followBlockTransfers(Session &session)
+    {
+        connect(&session, &Session::DownloadBarShown, this, &frmMain::showDownloadBar);
+        connect(&session, &Session::DownloadBarValue, this, &frmMain::setDownloadBarValue);
+        connect(&session, &Session::DownloadBarHidden, this, &frmMain::hideDownloadBar);
+        connect(&session, &Session::FileTransferProgress, this,
+                &frmMain::mFTP_FileTransferProgress);
+    }
+    void showDownloadBar(qint64 maximum);
+    void setDownloadBarValue(qint64 value);
+    void hideDownloadBar();
+    void mFTP_FileTransferProgress(qint64 currentBytes, qint64 totalBytes);
+
     // Fields of the FTP Control & Settings tab that Load fills. They belong to frmMain but have
     // no place until the settings tab adds them to its layout (adding them shows them).
     QLineEdit *txtServer() const { return m_txtServer; }
@@ -214,6 +231,7 @@ private:
     QLabel *m_statusText = nullptr;
     QLabel *m_stepOf = nullptr;
     QProgressBar *m_progressBar = nullptr;
+    qint64 m_barUnit = 1; // bytes to a step of ProgressBar1, so that large files fit its range
     QPushButton *m_cancelButton = nullptr;
 
     QWidget *m_fieldHolder = nullptr;
