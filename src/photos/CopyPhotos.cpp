@@ -10,6 +10,7 @@
 #include <QEventLoop>
 #include <QFutureWatcher>
 #include <QThread>
+#include <QThreadPool>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <deque>
@@ -64,6 +65,11 @@ bool CopyPhotos(const QString &target, bool keep, const CopyPhotosInput &input,
     const int threads =
         input.threads > 0 ? input.threads : std::max(1, QThread::idealThreadCount());
 
+    // A pool of the job's own: Qt's painting borrows the global pool's threads to fill large
+    // areas, and a global pool busy with sizing would hold up every repaint of the window.
+    // Declared before the rows, so it outlives them and waits for any picture still in hand.
+    QThreadPool pool;
+    pool.setMaxThreadCount(threads);
     std::deque<Row> inFlight;
     bool ok = true;
     bool stopping = false;
@@ -93,8 +99,8 @@ bool CopyPhotos(const QString &target, bool keep, const CopyPhotosInput &input,
             FindPhoto(page, RemoveGroupNumber(entry), GetGroupNumber(entry));
             const QString source = folder + QLatin1Char('/') + entry;
             row.watcher = std::make_unique<QFutureWatcher<SizeResult>>();
-            row.watcher->setFuture(QtConcurrent::run(SizePhoto, source, row.largePath, largePercent,
-                                                     row.smallPath, smallPercent));
+            row.watcher->setFuture(QtConcurrent::run(&pool, SizePhoto, source, row.largePath,
+                                                     largePercent, row.smallPath, smallPercent));
             inFlight.push_back(std::move(row));
         }
         if (inFlight.empty())
