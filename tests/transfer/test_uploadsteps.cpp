@@ -494,19 +494,48 @@ private slots:
         Job job(server);
         QVERIFY(job.connect(server));
         JobState::instance().BackgroundRequested = true;
-        bool seenVisible = false;
-        bool seenLoaded = false;
-        QTimer poll;
-        QObject::connect(&poll, &QTimer::timeout, [&] {
-            seenVisible = seenVisible || visibleTopLevel<dlgFTP>();
-            seenLoaded = seenLoaded || job.progress.dialog();
-        });
-        poll.start(1);
+        // Sees, at every status word of the transfer, whether the dialog is loaded and shown.
+        class Watching final : public TransferUi
+        {
+        public:
+            explicit Watching(DialogTransferUi &inner) : m_inner(inner) {}
+            bool seenLoaded = false;
+            bool seenVisible = false;
+            void ShowProgress() override { m_inner.ShowProgress(); }
+            void HideProgress() override { m_inner.HideProgress(); }
+            void UnloadProgress() override { m_inner.UnloadProgress(); }
+            void FloodFillInit(double total, const QString &status) override
+            {
+                look();
+                m_inner.FloodFillInit(total, status);
+            }
+            void FloodFillUpdate(double value) override { m_inner.FloodFillUpdate(value); }
+            void FloodShowStatus(const QString &text) override
+            {
+                look();
+                m_inner.FloodShowStatus(text);
+            }
+            void SetBusyCursor(bool busy) override { m_inner.SetBusyCursor(busy); }
+            void ShowUploadError(const QString &text, int number) override
+            {
+                m_inner.ShowUploadError(text, number);
+            }
+
+        private:
+            void look()
+            {
+                seenLoaded = seenLoaded || m_inner.dialog() != nullptr;
+                seenVisible = seenVisible || visibleTopLevel<dlgFTP>();
+            }
+            DialogTransferUi &m_inner;
+        } watching(job.progress);
+        TransferContext context{job.context.ftp, job.context.ui, job.context.state,
+                                job.context.window, watching};
         QVERIFY(UploadFileToFTP(
-            job.context, localFile(QStringLiteral("quiet.bin"), TestPattern(8 * 1024 * 1024))));
-        QVERIFY(!seenVisible);
+            context, localFile(QStringLiteral("quiet.bin"), TestPattern(8 * 1024 * 1024))));
+        QVERIFY(!watching.seenVisible);
         // The dialog was there, out of sight, while the file went, and is gone afterwards.
-        QVERIFY(seenLoaded);
+        QVERIFY(watching.seenLoaded);
         QVERIFY(!job.progress.dialog());
         // The toggle on the dialog itself.
         JobState::instance().BackgroundRequested = false;
