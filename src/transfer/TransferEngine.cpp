@@ -155,78 +155,81 @@ bool TransferEngine::SessionUpload(const QString &server, const QString &user,
     QString directory;
     if (connectSession(session, remoteDirectory, &directory)) {
         m_ui.SetBusyCursor(true);
-        const QString name = nameOf(localPath);
-        QFile file(localPath);
-        if (name.isEmpty() || !file.open(QIODevice::ReadOnly)) {
-            LastError = 12004;
-            const QString text = QStringLiteral("The file could not be read: ") + localPath;
-            LastErrorText = text;
-            m_ui.ShowUploadError(text, FtpErrors::ConnectionReset);
-            m_ui.FloodShowStatus(text);
-        } else {
-            BytesSent = 0;
-            FileTotal = double(file.size());
-            QString shown = name;
-            shown.replace(QLatin1Char('_'), QLatin1Char(' '));
-            m_ui.FloodFillInit(FileTotal, QStringLiteral("Uploading ") + shown);
-            TransferMode = Uploading;
-
-            const QString temporary = TemporaryName(name);
-            qint64 reported = 0;
-            const auto store = [&](const QString &target, const QStringList &quote) {
-                FtpConnection::Request request;
-                request.kind = FtpConnection::Request::Kind::Store;
-                request.quote = quote;
-                request.fileName = target;
-                request.uploadSize = file.size();
-                request.read = [&file](char *buffer, size_t size) -> size_t {
-                    const qint64 got = file.read(buffer, qint64(size));
-                    return got < 0 ? CURL_READFUNC_ABORT : size_t(got);
-                };
-                request.progress = [&](qint64, qint64 up) {
-                    if (up > reported) {
-                        TransferStatusCallback(30, up - reported);
-                        reported = up;
-                    }
-                };
-                return session.perform(request);
-            };
-            auto result = store(temporary, {QStringLiteral("CWD ") + directory});
-            if (result.ok()) {
-                FtpConnection::Request rename;
-                rename.quote = {QStringLiteral("CWD ") + directory,
-                                QStringLiteral("RNFR ") + temporary,
-                                QStringLiteral("RNTO ") + name};
-                result = session.perform(rename);
-                if (result.code == CURLE_QUOTE_ERROR && !result.cancelled && !m_state.skipped() &&
-                    file.seek(0)) {
-                    // The server forbids renames: the whole temporary copy goes, and the file
-                    // is sent again straight under its own name. A cut there leaves a partial
-                    // file under that name, which the caller removes (LastSentDirect).
-                    LastSentDirect = true;
-                    BytesSent = 0;
-                    reported = 0;
-                    result = store(name, {QStringLiteral("CWD ") + directory,
-                                          QStringLiteral("*DELE ") + temporary});
-                }
-            }
-            if (result.ok()) {
-                m_ui.FloodFillUpdate(FileTotal);
-                sent = true;
-            } else {
-                LastWasCancelled = result.cancelled || m_state.skipped();
-                LastError = result.cancelled ? FtpErrors::OperationCancelled
-                                             : FtpErrors::NumberFor(result.code, session);
-                LastErrorText = errorText(LastError, session.lastReply().text());
-                if (!LastWasCancelled)
-                    m_ui.FloodShowStatus(WininetErrorText(LastError, session.lastReply().text()));
-            }
-            TransferMode = Idle;
-        }
+        sent = EngineUploadFile(session, directory, localPath);
     }
     closeSession(session);
     m_ui.SetBusyCursor(false);
     return sent;
+}
+
+bool TransferEngine::EngineUploadFile(FtpConnection &session, const QString &directory,
+                                      const QString &localPath)
+{
+    const QString name = nameOf(localPath);
+    QFile file(localPath);
+    if (name.isEmpty() || !file.open(QIODevice::ReadOnly)) {
+        LastError = 12004;
+        const QString text = QStringLiteral("The file could not be read: ") + localPath;
+        LastErrorText = text;
+        m_ui.ShowUploadError(text, FtpErrors::ConnectionReset);
+        m_ui.FloodShowStatus(text);
+        return false;
+    }
+    BytesSent = 0;
+    FileTotal = double(file.size());
+    QString shown = name;
+    shown.replace(QLatin1Char('_'), QLatin1Char(' '));
+    m_ui.FloodFillInit(FileTotal, QStringLiteral("Uploading ") + shown);
+    TransferMode = Uploading;
+
+    const QString temporary = TemporaryName(name);
+    qint64 reported = 0;
+    const auto store = [&](const QString &target, const QStringList &quote) {
+        FtpConnection::Request request;
+        request.kind = FtpConnection::Request::Kind::Store;
+        request.quote = quote;
+        request.fileName = target;
+        request.uploadSize = file.size();
+        request.read = [&file](char *buffer, size_t size) -> size_t {
+            const qint64 got = file.read(buffer, qint64(size));
+            return got < 0 ? CURL_READFUNC_ABORT : size_t(got);
+        };
+        request.progress = [&](qint64, qint64 up) {
+            if (up > reported) {
+                TransferStatusCallback(30, up - reported);
+                reported = up;
+            }
+        };
+        return session.perform(request);
+    };
+    auto result = store(temporary, {QStringLiteral("CWD ") + directory});
+    if (result.ok()) {
+        FtpConnection::Request rename;
+        rename.quote = {QStringLiteral("CWD ") + directory, QStringLiteral("RNFR ") + temporary,
+                        QStringLiteral("RNTO ") + name};
+        result = session.perform(rename);
+        if (result.code == CURLE_QUOTE_ERROR && !result.cancelled && !m_state.skipped() &&
+            file.seek(0)) {
+            // The server forbids renames: the whole temporary copy goes, and the file is sent
+            // again straight under its own name. A cut there leaves a partial file under that
+            // name, which the caller removes (LastSentDirect).
+            LastSentDirect = true;
+            BytesSent = 0;
+            reported = 0;
+            result = store(
+                name, {QStringLiteral("CWD ") + directory, QStringLiteral("*DELE ") + temporary});
+        }
+    }
+    TransferMode = Idle;
+    if (!result.ok()) {
+        recordFailure(result.cancelled,
+                      result.cancelled ? FtpErrors::OperationCancelled
+                                       : FtpErrors::NumberFor(result.code, session),
+                      session);
+        return false;
+    }
+    m_ui.FloodFillUpdate(FileTotal);
+    return true;
 }
 
 bool TransferEngine::SessionDownload(const QString &server, const QString &user,
@@ -262,61 +265,72 @@ bool TransferEngine::SessionDownload(const QString &server, const QString &user,
             listing.append(data, qsizetype(size));
             return true;
         };
-        std::optional<cDirItem> found;
         if (session.perform(lookup).ok()) {
             for (const cDirItem &item : FtpListing::Parse(listing)) {
                 if (item.Name == wanted && !item.isDirectory()) {
-                    found = item;
+                    fetched = EngineDownloadFile(session, directory, item, localPath);
                     break;
                 }
             }
-        }
-        QSaveFile file(localPath);
-        if (found && file.open(QIODevice::WriteOnly)) {
-            m_ui.SetBusyCursor(true);
-            BytesReceived = 0;
-            FileTotal = double(found->Size);
-            QString shown = wanted;
-            shown.replace(QLatin1Char('_'), QLatin1Char(' '));
-            m_ui.FloodFillInit(FileTotal, QStringLiteral("Downloading ") + shown);
-            TransferMode = Downloading;
-            qint64 reported = 0;
-            bool localFailed = false;
-            FtpConnection::Request request;
-            request.kind = FtpConnection::Request::Kind::Retrieve;
-            request.quote = {QStringLiteral("CWD ") + directory};
-            request.fileName = wanted;
-            request.write = [&](const char *data, size_t size) {
-                localFailed = file.write(data, qint64(size)) != qint64(size);
-                return !localFailed;
-            };
-            request.progress = [&](qint64 down, qint64) {
-                if (down > reported) {
-                    TransferStatusCallback(41, down - reported);
-                    reported = down;
-                }
-            };
-            const auto result = session.perform(request);
-            if (result.ok() && file.commit()) {
-                m_ui.FloodFillUpdate(FileTotal);
-                fetched = true;
-            } else {
-                file.cancelWriting();
-                LastWasCancelled = result.cancelled || m_state.skipped();
-                LastError = localFailed || result.ok()
-                                ? 12004
-                                : (result.cancelled ? FtpErrors::OperationCancelled
-                                                    : FtpErrors::NumberFor(result.code, session));
-                LastErrorText = errorText(LastError, session.lastReply().text());
-                if (!LastWasCancelled)
-                    m_ui.FloodShowStatus(WininetErrorText(LastError, session.lastReply().text()));
-            }
-            TransferMode = Idle;
         }
     }
     closeSession(session);
     m_ui.SetBusyCursor(false);
     return fetched;
+}
+
+bool TransferEngine::EngineDownloadFile(FtpConnection &session, const QString &directory,
+                                        const cDirItem &found, const QString &localPath)
+{
+    QSaveFile file(localPath);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    m_ui.SetBusyCursor(true);
+    BytesReceived = 0;
+    FileTotal = double(found.Size);
+    QString shown = found.Name;
+    shown.replace(QLatin1Char('_'), QLatin1Char(' '));
+    m_ui.FloodFillInit(FileTotal, QStringLiteral("Downloading ") + shown);
+    TransferMode = Downloading;
+    qint64 reported = 0;
+    bool localFailed = false;
+    FtpConnection::Request request;
+    request.kind = FtpConnection::Request::Kind::Retrieve;
+    request.quote = {QStringLiteral("CWD ") + directory};
+    request.fileName = found.Name;
+    request.write = [&](const char *data, size_t size) {
+        localFailed = file.write(data, qint64(size)) != qint64(size);
+        return !localFailed;
+    };
+    request.progress = [&](qint64 down, qint64) {
+        if (down > reported) {
+            TransferStatusCallback(41, down - reported);
+            reported = down;
+        }
+    };
+    const auto result = session.perform(request);
+    TransferMode = Idle;
+    if (result.ok() && file.commit()) {
+        m_ui.FloodFillUpdate(FileTotal);
+        return true;
+    }
+    file.cancelWriting();
+    recordFailure(result.cancelled,
+                  localFailed || result.ok()
+                      ? 12004
+                      : (result.cancelled ? FtpErrors::OperationCancelled
+                                          : FtpErrors::NumberFor(result.code, session)),
+                  session);
+    return false;
+}
+
+void TransferEngine::recordFailure(bool cancelled, int number, const FtpConnection &session)
+{
+    LastWasCancelled = cancelled || m_state.skipped();
+    LastError = number;
+    LastErrorText = errorText(LastError, session.lastReply().text());
+    if (!LastWasCancelled)
+        m_ui.FloodShowStatus(WininetErrorText(LastError, session.lastReply().text()));
 }
 
 void TransferEngine::TransferStatusCallback(int status, const QVariant &data)

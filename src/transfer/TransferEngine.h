@@ -6,6 +6,7 @@
 class TransferUi;
 struct JobState;
 class FtpConnection;
+struct cDirItem;
 
 // The per-file transfers: each call opens a session and a connection of its own for one file,
 // drives dlgFTP's bar through TransferStatusCallback, and closes them again, beside the main
@@ -68,6 +69,15 @@ public:
     bool LastSentDirect = false;
 
 private:
+    // The file's own part of SessionUpload and SessionDownload, in a session that stands in
+    // directory: the bar's total and status, the bytes across, and the failure recorded.
+    bool EngineUploadFile(FtpConnection &session, const QString &directory,
+                          const QString &localPath);
+    bool EngineDownloadFile(FtpConnection &session, const QString &directory, const cDirItem &found,
+                            const QString &localPath);
+    // LastError (number), LastErrorText and LastWasCancelled for a failed file; the bar's
+    // status shows the text unless it was a cancel.
+    void recordFailure(bool cancelled, int number, const FtpConnection &session);
     void hookStatus(FtpConnection &connection, const QString &host);
     bool connectSession(FtpConnection &connection, const QString &directory, QString *current);
     std::function<bool()> cancelWatch() const;
