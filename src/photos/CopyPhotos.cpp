@@ -13,14 +13,34 @@
 #include <QThreadPool>
 #include <QtConcurrent/QtConcurrentRun>
 
+#include <algorithm>
 #include <deque>
 #include <memory>
 
 namespace {
 
+// Pictures sized at once hold no more than this much between them (one picture is always let
+// through): a machine of many cores sizing large photos at large boxes stays within it.
+constexpr qint64 SizingMemoryBudget = 320LL * 1024 * 1024;
+
+// What sizing one picture may hold at its peak: the decoded picture (the decoder reduces by
+// halves, so at most four times the area of the enlarged copy, and never more than the whole
+// picture), the enlarged copy and the thumbnail, at four bytes a pixel.
+qint64 sizingBytes(const QString &source, double largePercent, double smallPercent)
+{
+    const QSize full = PictureSize(source);
+    if (!full.isValid())
+        return 0; // unreadable: told when its turn comes
+    const auto area = [](QSize size) { return qint64(size.width()) * size.height(); };
+    const qint64 large = area(ScaledSize(full, largePercent));
+    const qint64 decoded = std::min(area(full), 4 * large);
+    return 4 * (decoded + large + area(ScaledSize(full, smallPercent)));
+}
+
 struct Row
 {
     int index = 0;
+    qint64 bytes = 0;
     QString smallPath;
     QString largePath;
     std::unique_ptr<QFutureWatcher<SizeResult>> watcher;
@@ -71,6 +91,7 @@ bool CopyPhotos(const QString &target, bool keep, const CopyPhotosInput &input,
     QThreadPool pool;
     pool.setMaxThreadCount(threads);
     std::deque<Row> inFlight;
+    qint64 inFlightBytes = 0;
     bool ok = true;
     bool stopping = false;
     qsizetype next = 0;
@@ -88,8 +109,16 @@ bool CopyPhotos(const QString &target, bool keep, const CopyPhotosInput &input,
             const QString &entry = list.at(i);
             if (isMade(entry))
                 continue;
+            const QString source = folder + QLatin1Char('/') + entry;
+            const qint64 bytes = sizingBytes(source, largePercent, smallPercent);
+            if (!inFlight.empty() && inFlightBytes + bytes > SizingMemoryBudget) {
+                --next; // started once the pictures in hand are done
+                break;
+            }
             Row row;
             row.index = i;
+            row.bytes = bytes;
+            inFlightBytes += bytes;
             row.smallPath = target + QStringLiteral("/Sml_") + entry;
             row.largePath = target + QStringLiteral("/Lrg_") + entry;
             if (!keep) {
@@ -97,7 +126,6 @@ bool CopyPhotos(const QString &target, bool keep, const CopyPhotosInput &input,
                 DoKill(row.largePath);
             }
             FindPhoto(page, RemoveGroupNumber(entry), GetGroupNumber(entry));
-            const QString source = folder + QLatin1Char('/') + entry;
             row.watcher = std::make_unique<QFutureWatcher<SizeResult>>();
             row.watcher->setFuture(QtConcurrent::run(&pool, SizePhoto, source, row.largePath,
                                                      largePercent, row.smallPath, smallPercent));
@@ -108,6 +136,7 @@ bool CopyPhotos(const QString &target, bool keep, const CopyPhotosInput &input,
         Row row = std::move(inFlight.front());
         inFlight.pop_front();
         const SizeResult result = await(row);
+        inFlightBytes -= row.bytes;
         if (stopping)
             continue;
         if (!result.loadError.isEmpty()) {
