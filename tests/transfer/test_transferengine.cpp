@@ -348,7 +348,7 @@ private slots:
         });
         poll.start(5);
         bool cancelSent = false;
-        QTimer::singleShot(800, [&] {
+        QTimer::singleShot(800, &poll, [&] {
             cancelSent = true;
             // What dlgFTP's Cancel does once the user confirms.
             JobState::instance().UserResponse = JobState::Skip;

@@ -313,14 +313,17 @@ private slots:
         });
         ticker.start(10);
         QElapsedTimer sinceCancel;
-        QTimer::singleShot(1200, [&] {
-            QVERIFY(visibleTopLevel<dlgFTP>());
+        bool dialogShown = false;
+        // Cancels in any case, so the call ends; the ticker is the context.
+        QTimer::singleShot(1200, &ticker, [&] {
+            dialogShown = visibleTopLevel<dlgFTP>() != nullptr;
             measuring = false;
             sinceCancel.start();
             pressCancelAndConfirm();
         });
         QVERIFY(!SendJobFiles(job.context, files));
         QVERIFY(sinceCancel.isValid());
+        QVERIFY(dialogShown);
         QVERIFY2(sinceCancel.elapsed() < 2000, qPrintable(QString::number(sinceCancel.elapsed())));
         // The window was served all along (the bound is loose for a busy test machine).
         QVERIFY2(ticks > 20 && longestGap < 500, qPrintable(QString::number(longestGap)));
@@ -349,7 +352,8 @@ private slots:
         Job job(server);
         QVERIFY(job.connect(server));
         QElapsedTimer sinceCancel;
-        QTimer::singleShot(600, [&] {
+        QObject scope;
+        QTimer::singleShot(600, &scope, [&] {
             sinceCancel.start();
             JobState::instance().UploadCancelled = true;
         });
@@ -469,15 +473,29 @@ private slots:
         });
         ticker.start(10);
         QElapsedTimer sinceCancel;
-        QTimer::singleShot(1000, [&] {
-            QVERIFY(visibleTopLevel<dlgFTP>());
-            QVERIFY(server.commands().contains(QStringLiteral("RETR big.bin")));
+        bool dialogShown = false;
+        bool retrieving = false;
+        // Waits for the download to stand at the silent server, then cancels it in any case,
+        // so the call ends however the machine is loaded; the ticker is the context, so
+        // nothing fires into this function's locals after it.
+        QElapsedTimer waiting;
+        waiting.start();
+        QTimer canceller;
+        QObject::connect(&canceller, &QTimer::timeout, &ticker, [&] {
+            retrieving = server.commands().contains(QStringLiteral("RETR big.bin"));
+            if (!waiting.hasExpired(1000) || (!retrieving && !waiting.hasExpired(20000)))
+                return;
+            canceller.stop();
+            dialogShown = visibleTopLevel<dlgFTP>() != nullptr;
             measuring = false;
             sinceCancel.start();
             pressCancelAndConfirm();
         });
+        canceller.start(300);
         QVERIFY(!DownloadFileToFTP(job.context, local, QStringLiteral("big.bin")));
         QVERIFY(sinceCancel.isValid());
+        QVERIFY(retrieving);
+        QVERIFY(dialogShown);
         QVERIFY2(sinceCancel.elapsed() < 2000, qPrintable(QString::number(sinceCancel.elapsed())));
         QVERIFY2(ticks > 20 && longestGap < 500, qPrintable(QString::number(longestGap)));
         QVERIFY(JobState::instance().skipped());
