@@ -146,13 +146,13 @@ FtpConnection::Result FtpConnection::perform(const Request &request)
     m_busy = true;
     m_request = &request;
     m_replies.clear();
+    m_openedSession = !m_alive;
     m_pending = FtpReply();
     m_inMultiLine = false;
     m_passwordAsked = false;
     m_abort = false;
 
     const SList quote(request.quote);
-    const SList postQuote(request.postQuote);
     const QByteArray url = m_address.baseUrl() + encodeName(request.fileName);
 
     CURL *e = m_easy;
@@ -168,7 +168,6 @@ FtpConnection::Result FtpConnection::perform(const Request &request)
     curl_easy_setopt(e, CURLOPT_TCP_KEEPALIVE, 1L);
     curl_easy_setopt(e, CURLOPT_TRANSFERTEXT, request.ascii ? 1L : 0L);
     curl_easy_setopt(e, CURLOPT_QUOTE, quote.list);
-    curl_easy_setopt(e, CURLOPT_POSTQUOTE, postQuote.list);
     curl_easy_setopt(e, CURLOPT_HEADERFUNCTION, &FtpConnection::headerCallback);
     curl_easy_setopt(e, CURLOPT_HEADERDATA, this);
     curl_easy_setopt(e, CURLOPT_NOPROGRESS, 0L);

@@ -65,8 +65,6 @@ public:
             Retrieve
         } kind = Kind::Commands;
         bool ascii = false;
-        // Commands sent after a successful transfer (a rename of the stored file).
-        QStringList postQuote;
         // Store: called to fill buf (at most size bytes); returns the count, 0 at the end,
         // CURL_READFUNC_ABORT to fail.
         std::function<size_t(char *buf, size_t size)> read;
@@ -100,6 +98,8 @@ public:
     FtpReply lastReply() const { return m_replies.isEmpty() ? FtpReply() : m_replies.last(); }
     // True when the last request saw the server ask for a password (331).
     bool passwordAsked() const { return m_passwordAsked; }
+    // The last request had to open the control connection (and log in) first.
+    bool openedSession() const { return m_openedSession; }
 
     // Asked while a request waits; true stops it.
     std::function<bool()> cancelRequested;
@@ -142,6 +142,7 @@ private:
     FtpReply m_pending;
     bool m_inMultiLine = false;
     bool m_passwordAsked = false;
+    bool m_openedSession = false;
     bool m_abort = false;
     bool m_busy = false;
     bool m_alive = false;

@@ -64,7 +64,7 @@ namespace {
 bool turnedAwayAtLogin(const FtpConnection &connection)
 {
     const QList<FtpReply> &replies = connection.replies();
-    if (replies.isEmpty() || replies.last().code < 400)
+    if (!connection.openedSession() || replies.isEmpty() || replies.last().code < 400)
         return false;
     if (replies.size() == 1)
         return true;
@@ -82,7 +82,7 @@ int NumberFor(CURLcode code, const FtpConnection &connection)
         return 0;
     case CURLE_LOGIN_DENIED:
         // "Not now" (421 too many users ...) says nothing about the name or the password.
-        if (connection.lastReply().code / 100 == 4)
+        if (connection.lastReply().code == 421)
             return 12015;
         return connection.passwordAsked() ? 12014 : 12013;
     case CURLE_ABORTED_BY_CALLBACK:

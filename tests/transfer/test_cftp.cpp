@@ -588,6 +588,20 @@ private slots:
                                 "Message: 12015 error code: InternetConnect"));
     }
 
+    void sessionClosedAfterLoginIsNoRefusedLogin()
+    {
+        FtpTestServer::Options options;
+        options.faults = {QStringLiteral("cwd-421=idle")};
+        FtpTestServer server(options);
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        QVERIFY(QDir().mkpath(server.localPath(QStringLiteral("/idle"))));
+        cFTP ftp;
+        QVERIFY(ftp.OpenConnection(server.server(), server.user(), server.password()));
+        QVERIFY(!ftp.SetFTPDirectory(QStringLiteral("/idle")));
+        // The server's own words, not "failed to login": the name and password were fine.
+        QCOMPARE(ftp.GetLastErrorMessage(), QStringLiteral("421 Timeout."));
+    }
+
     void composedTextPutsTheTextFirst()
     {
         QCOMPARE(

@@ -19,6 +19,8 @@ Faults for the tests (--fault, may be given more than once):
   greet-421          connections are greeted "421 Service not available, closing control
                      connection." and closed
   dos-listing        LIST answers in the DOS/IIS format
+  cwd-421=NAME       CWD into a directory called NAME is answered "421 Timeout." and the
+                     session is closed (a server ending an idle session)
   mkd-553=NAME       MKD of a directory called NAME is answered "553 Requested action not
                      taken. File name not allowed." (the directory is not made)
 Every command the server receives is appended to --command-log, one line each
@@ -160,6 +162,10 @@ class FaultHandler(FTPHandler):
             return
         if cmd == "MKD" and refuses_mkd(arg):
             self.respond("553 Requested action not taken. File name not allowed.")
+            return
+        if cmd == "CWD" and arg and arg.strip("/") == Options.faults.get("cwd-421"):
+            self.respond("421 Timeout.")
+            self.close_when_done()
             return
         if cmd == "RETR" and "stall-retr" in Options.faults:
             self.silenced = True
