@@ -183,7 +183,11 @@ void frmAction::Install(QWidget *parent, std::function<void()> help)
 {
     QPointer<QWidget> owner = parent;
     SetTakeActionHandler([owner, help = std::move(help)](JobUi &ui, JobState &state) {
-        ShowAndWait(ui, state, owner.data(), help);
+        // The help belongs to the owner: it is not called once the owner has gone.
+        ShowAndWait(ui, state, owner.data(), [owner, help] {
+            if (owner && help)
+                help();
+        });
     });
 }
 
