@@ -299,6 +299,8 @@ void FtpControlTab::uploadFiles(const QString &baseFolder, const QStringList &fi
         if (m_state.skipped() || m_state.UploadCancelled)
             break;
     }
+    // The cancel has done its work: a later press of Cancel must be seen as a new one.
+    m_state.UploadCancelled = false;
 
     m_ftp.SetFTPDirectory(start);
     ReloadFTPList();
