@@ -9,6 +9,7 @@
 
 #include <QEventLoop>
 #include <QFutureWatcher>
+#include <QImageReader>
 #include <QThread>
 #include <QThreadPool>
 #include <QtConcurrent/QtConcurrentRun>
@@ -23,9 +24,9 @@ namespace {
 // through): a machine of many cores sizing large photos at large boxes stays within it.
 constexpr qint64 SizingMemoryBudget = 320LL * 1024 * 1024;
 
-// What sizing one picture may hold at its peak: the decoded picture (the decoder reduces by
-// halves, so at most four times the area of the enlarged copy, and never more than the whole
-// picture), the enlarged copy and the thumbnail, at four bytes a pixel.
+// What sizing one picture may hold at its peak: the decoded picture, the enlarged copy and the
+// thumbnail, at four bytes a pixel. A JPEG decoder reduces by halves while it decodes, so it
+// holds at most four times the area of the enlarged copy; other formats are decoded whole.
 qint64 sizingBytes(const QString &source, double largePercent, double smallPercent)
 {
     const QSize full = PictureSize(source);
@@ -33,7 +34,10 @@ qint64 sizingBytes(const QString &source, double largePercent, double smallPerce
         return 0; // unreadable: told when its turn comes
     const auto area = [](QSize size) { return qint64(size.width()) * size.height(); };
     const qint64 large = area(ScaledSize(full, largePercent));
-    const qint64 decoded = std::min(area(full), 4 * large);
+    QImageReader reader(source);
+    reader.setDecideFormatFromContent(true);
+    const bool reducesWhileDecoding = reader.supportsOption(QImageIOHandler::ScaledSize);
+    const qint64 decoded = reducesWhileDecoding ? std::min(area(full), 4 * large) : area(full);
     return 4 * (decoded + large + area(ScaledSize(full, smallPercent)));
 }
 
