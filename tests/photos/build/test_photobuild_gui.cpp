@@ -321,6 +321,42 @@ private slots:
         QCOMPARE(saved.PhotoNumber, 1);
     }
 
+    void saveAllWithANameOfOnlyBadCharactersSaysSoAndSavesNothing()
+    {
+        QTemporaryDir source, working;
+        QVERIFY(makePhoto(source.filePath(QStringLiteral("Pier.jpg")), Qt::darkCyan));
+        SaveSetting(SettingKey::TempPath, working.path());
+        SaveSetting(QStringLiteral("CopyPath"), source.path());
+        ClearHistory(PhotoPage::instance());
+        const QStringList before = QDir(Folders::HistoryFolder()).entryList(QDir::Files);
+
+        cFTP ftp;
+        frmMain window;
+        PhotoFrame *frame = InstallPhotoFrame(window);
+        InstallPhotoBuild(window, *frame, ftp);
+        frame->readFolders();
+        window.show();
+        window.FunctionSelectButton_Click(0);
+        frame->readyToSend()->titlePrompt()->setChecked(false);
+
+        Driver driver;
+        driver.window = &window;
+        QTimer pump;
+        QObject::connect(&pump, &QTimer::timeout, [&driver] { driver.tick(); });
+        pump.start(2);
+
+        copyPicture(frame, QStringLiteral("Pier.jpg"), 0, QStringLiteral("50"));
+        driver.answers.enqueue(QStringLiteral("//**??"));
+        button(frame, QStringLiteral("EditButtons_3"))->click();
+        pump.stop();
+
+        QCOMPARE(driver.prompts.size(), 1);
+        QCOMPARE(driver.messages.size(), 1);
+        QVERIFY2(driver.messages.at(0).startsWith(QStringLiteral("The list was not saved")),
+                 qPrintable(driver.messages.at(0)));
+        QCOMPARE(QDir(Folders::HistoryFolder()).entryList(QDir::Files), before);
+    }
+
     // On the History tab a file chosen once leaves LoadHst and DeleteHstButton enabled and
     // ShowHst is always there: with nothing selected each of them says so.
     void theHistoryButtonsWithNothingSelectedSaySo()

@@ -288,8 +288,14 @@ void ReadyToSendPage::SaveAll()
             m_page.FileName = answer == JobState::Blank || answer.isEmpty() ? fallback : answer;
         }
         // A name of nothing but characters that a file name can't hold names no file.
-        if (m_page.FileName.trimmed().isEmpty())
+        if (m_page.FileName.trimmed().isEmpty()) {
+            m_services.ui->Message(
+                QStringLiteral("The list was not saved: the page name holds no letters or digits "
+                               "that a file name can use. Press Save All again and type another "
+                               "name."),
+                Tarnwick, JobUi::Buttons::Ok, JobUi::Icon::Warning);
             return;
+        }
     }
     const HistoryResult saved = SaveHistory(m_page);
     if (!saved.ok) {
