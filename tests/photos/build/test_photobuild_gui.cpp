@@ -271,10 +271,13 @@ private slots:
     }
     // Save All of a page without a name asks as Build All does: the name is cleaned of what a
     // file name can't hold, and with title_prompt ticked the title and introduction are asked.
-    void saveAllNamesTheNewPageWithTheBuildPrompts()
+    // A new page of one picture saved by Save All on the real window, the name prompt answered
+    // with name and the later prompts as offered; what the prompts asked and the boxes said.
+    static std::pair<QStringList, QStringList> saveAllOfANewPage(bool titlePrompt,
+                                                                 const QString &name)
     {
         QTemporaryDir source, working;
-        QVERIFY(makePhoto(source.filePath(QStringLiteral("Pier.jpg")), Qt::darkCyan));
+        makePhoto(source.filePath(QStringLiteral("Pier.jpg")), Qt::darkCyan);
         SaveSetting(SettingKey::TempPath, working.path());
         SaveSetting(QStringLiteral("CopyPath"), source.path());
         ClearHistory(PhotoPage::instance());
@@ -286,27 +289,31 @@ private slots:
         frame->readFolders();
         window.show();
         window.FunctionSelectButton_Click(0);
-        frame->readyToSend()->titlePrompt()->setChecked(true);
+        frame->readyToSend()->titlePrompt()->setChecked(titlePrompt);
 
         Driver driver;
         driver.window = &window;
         QTimer pump;
         QObject::connect(&pump, &QTimer::timeout, [&driver] { driver.tick(); });
         pump.start(2);
-
         copyPicture(frame, QStringLiteral("Pier.jpg"), 0, QStringLiteral("50"));
-        // The name with characters a file name can't hold; the title and the introduction as
-        // offered.
-        driver.answers.enqueue(QStringLiteral("Trip/NY: May*"));
+        driver.answers.enqueue(name);
         button(frame, QStringLiteral("EditButtons_3"))->click();
         pump.stop();
+        return {driver.prompts, driver.messages};
+    }
 
-        QCOMPARE(driver.prompts.size(), 3);
-        QVERIFY(driver.prompts.at(0).startsWith(QStringLiteral("Enter the name of the webpage")));
-        QCOMPARE(driver.prompts.at(1), QStringLiteral("Enter a title..."));
-        QCOMPARE(driver.prompts.at(2),
-                 QStringLiteral("Enter an introduction to the photo group..."));
-        QVERIFY(driver.messages.isEmpty());
+    void saveAllNamesTheNewPageWithTheBuildPrompts()
+    {
+        // The name with characters a file name can't hold; the title and the introduction as
+        // offered.
+        const auto [prompts, messages] = saveAllOfANewPage(true, QStringLiteral("Trip/NY: May*"));
+
+        QCOMPARE(prompts.size(), 3);
+        QVERIFY(prompts.at(0).startsWith(QStringLiteral("Enter the name of the webpage")));
+        QCOMPARE(prompts.at(1), QStringLiteral("Enter a title..."));
+        QCOMPARE(prompts.at(2), QStringLiteral("Enter an introduction to the photo group..."));
+        QVERIFY(messages.isEmpty());
         const PhotoPage &page = PhotoPage::instance();
         QCOMPARE(page.FileName, QStringLiteral("TripNY_May"));
         QCOMPARE(page.Title, QStringLiteral("Photos"));
@@ -323,37 +330,13 @@ private slots:
 
     void saveAllWithANameOfOnlyBadCharactersSaysSoAndSavesNothing()
     {
-        QTemporaryDir source, working;
-        QVERIFY(makePhoto(source.filePath(QStringLiteral("Pier.jpg")), Qt::darkCyan));
-        SaveSetting(SettingKey::TempPath, working.path());
-        SaveSetting(QStringLiteral("CopyPath"), source.path());
-        ClearHistory(PhotoPage::instance());
         const QStringList before = QDir(Folders::HistoryFolder()).entryList(QDir::Files);
+        const auto [prompts, messages] = saveAllOfANewPage(false, QStringLiteral("//**??"));
 
-        cFTP ftp;
-        frmMain window;
-        PhotoFrame *frame = InstallPhotoFrame(window);
-        InstallPhotoBuild(window, *frame, ftp);
-        frame->readFolders();
-        window.show();
-        window.FunctionSelectButton_Click(0);
-        frame->readyToSend()->titlePrompt()->setChecked(false);
-
-        Driver driver;
-        driver.window = &window;
-        QTimer pump;
-        QObject::connect(&pump, &QTimer::timeout, [&driver] { driver.tick(); });
-        pump.start(2);
-
-        copyPicture(frame, QStringLiteral("Pier.jpg"), 0, QStringLiteral("50"));
-        driver.answers.enqueue(QStringLiteral("//**??"));
-        button(frame, QStringLiteral("EditButtons_3"))->click();
-        pump.stop();
-
-        QCOMPARE(driver.prompts.size(), 1);
-        QCOMPARE(driver.messages.size(), 1);
-        QVERIFY2(driver.messages.at(0).startsWith(QStringLiteral("The list was not saved")),
-                 qPrintable(driver.messages.at(0)));
+        QCOMPARE(prompts.size(), 1);
+        QCOMPARE(messages.size(), 1);
+        QVERIFY2(messages.at(0).startsWith(QStringLiteral("The list was not saved")),
+                 qPrintable(messages.at(0)));
         QCOMPARE(QDir(Folders::HistoryFolder()).entryList(QDir::Files), before);
     }
 
