@@ -63,6 +63,27 @@ void pressCancelAndConfirm()
 
 } // namespace
 
+// Ticks every 10 ms and keeps the longest time between two ticks while measuring: how well
+// the event loop was served.
+struct LoopWatch
+{
+    int ticks = 0;
+    qint64 longestGap = 0;
+    bool measuring = true;
+    QElapsedTimer sinceTick;
+    QTimer ticker;
+    LoopWatch()
+    {
+        sinceTick.start();
+        QObject::connect(&ticker, &QTimer::timeout, [this] {
+            ++ticks;
+            if (measuring)
+                longestGap = std::max(longestGap, sinceTick.restart());
+        });
+        ticker.start(10);
+    }
+};
+
 class TestUploadSteps : public QObject
 {
     Q_OBJECT
@@ -300,24 +321,13 @@ private slots:
             localFile(QStringLiteral("first.bin"), TestPattern(32 * 1024 * 1024)),
             localFile(QStringLiteral("second.txt"), "2"),
             localFile(QStringLiteral("third.txt"), "3")};
-        int ticks = 0;
-        qint64 longestGap = 0;
-        QElapsedTimer sinceTick;
-        sinceTick.start();
-        QTimer ticker;
-        bool measuring = true;
-        QObject::connect(&ticker, &QTimer::timeout, [&] {
-            ++ticks;
-            if (measuring)
-                longestGap = std::max(longestGap, sinceTick.restart());
-        });
-        ticker.start(10);
+        LoopWatch watch;
         QElapsedTimer sinceCancel;
         bool dialogShown = false;
         // Cancels in any case, so the call ends; the ticker is the context.
-        QTimer::singleShot(1200, &ticker, [&] {
+        QTimer::singleShot(1200, &watch.ticker, [&] {
             dialogShown = visibleTopLevel<dlgFTP>() != nullptr;
-            measuring = false;
+            watch.measuring = false;
             sinceCancel.start();
             pressCancelAndConfirm();
         });
@@ -326,7 +336,8 @@ private slots:
         QVERIFY(dialogShown);
         QVERIFY2(sinceCancel.elapsed() < 2000, qPrintable(QString::number(sinceCancel.elapsed())));
         // The window was served all along (the bound is loose for a busy test machine).
-        QVERIFY2(ticks > 20 && longestGap < 500, qPrintable(QString::number(longestGap)));
+        QVERIFY2(watch.ticks > 20 && watch.longestGap < 500,
+                 qPrintable(QString::number(watch.longestGap)));
         QVERIFY(JobState::instance().skipped());
         QVERIFY(JobState::instance().UploadCancelled);
         QCOMPARE(server.countCommands(QStringLiteral("STOR")), 1);
@@ -460,18 +471,7 @@ private slots:
         QVERIFY(job.connect(server));
         const QString local = m_local.filePath(QStringLiteral("fetched.bin"));
         QFile::remove(local);
-        int ticks = 0;
-        qint64 longestGap = 0;
-        QElapsedTimer sinceTick;
-        sinceTick.start();
-        QTimer ticker;
-        bool measuring = true;
-        QObject::connect(&ticker, &QTimer::timeout, [&] {
-            ++ticks;
-            if (measuring)
-                longestGap = std::max(longestGap, sinceTick.restart());
-        });
-        ticker.start(10);
+        LoopWatch watch;
         QElapsedTimer sinceCancel;
         bool dialogShown = false;
         bool retrieving = false;
@@ -481,13 +481,13 @@ private slots:
         QElapsedTimer waiting;
         waiting.start();
         QTimer canceller;
-        QObject::connect(&canceller, &QTimer::timeout, &ticker, [&] {
+        QObject::connect(&canceller, &QTimer::timeout, &watch.ticker, [&] {
             retrieving = server.commands().contains(QStringLiteral("RETR big.bin"));
             if (!waiting.hasExpired(1000) || (!retrieving && !waiting.hasExpired(20000)))
                 return;
             canceller.stop();
             dialogShown = visibleTopLevel<dlgFTP>() != nullptr;
-            measuring = false;
+            watch.measuring = false;
             sinceCancel.start();
             pressCancelAndConfirm();
         });
@@ -497,7 +497,8 @@ private slots:
         QVERIFY(retrieving);
         QVERIFY(dialogShown);
         QVERIFY2(sinceCancel.elapsed() < 2000, qPrintable(QString::number(sinceCancel.elapsed())));
-        QVERIFY2(ticks > 20 && longestGap < 500, qPrintable(QString::number(longestGap)));
+        QVERIFY2(watch.ticks > 20 && watch.longestGap < 500,
+                 qPrintable(QString::number(watch.longestGap)));
         QVERIFY(JobState::instance().skipped());
         // One attempt only, and no partial local file.
         QCOMPARE(server.countCommands(QStringLiteral("RETR")), 1);
