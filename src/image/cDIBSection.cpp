@@ -40,6 +40,19 @@ template <typename T> T get(const uchar *p)
     return qFromLittleEndian<T>(p);
 }
 
+// A JPEG file ends with the end-of-image mark (FF D9), perhaps followed by a camera's own data;
+// a file cut short has none in its last megabyte, and the decoder would fill the rest with grey.
+bool hasJpegEnd(const QString &fileName)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const qint64 tail = std::min<qint64>(file.size(), 1024 * 1024);
+    file.seek(file.size() - tail);
+    const QByteArray bytes = file.read(tail);
+    return bytes.contains(QByteArray("\xFF\xD9", 2));
+}
+
 } // namespace
 
 bool cDIBSection::SizeAllowed(qint64 width, qint64 height)
@@ -163,6 +176,10 @@ bool cDIBSection::CreateFromFile(const QString &fileName)
                           .arg(size.height())
                           .arg(MaxPixels / (1024 * 1024))
                           .arg(MaxSide);
+        return false;
+    }
+    if (reader.format() == "jpeg" && !hasJpegEnd(fileName)) {
+        m_lastError = QStringLiteral("The picture file is cut short.");
         return false;
     }
     // Our own limit has been checked above; the reader's default would refuse a large photo.

@@ -479,6 +479,7 @@ private slots:
         QTest::newRow("zero bytes") << "empty";
         QTest::newRow("corrupt") << "corrupt";
         QTest::newRow("truncated") << "truncated";
+        QTest::newRow("truncated jpeg") << "truncated jpeg";
         QTest::newRow("too large") << "huge";
         QTest::newRow("missing") << "missing";
     }
@@ -497,6 +498,10 @@ private slots:
             QVERIFY(filled(800, 600, qRgb(9, 9, 9)).save(path, "PNG"));
             QVERIFY(f.open(QIODevice::ReadWrite));
             f.resize(f.size() / 3);
+        } else if (kind == QLatin1String("truncated jpeg")) {
+            QVERIFY(filled(800, 600, qRgb(9, 99, 9)).save(path, "JPEG"));
+            QVERIFY(f.open(QIODevice::ReadWrite));
+            f.resize(f.size() / 2);
         } else if (kind == QLatin1String("huge")) {
             QVERIFY(WriteJpegClaimingSize(path, 30000, 30000));
         }

@@ -184,15 +184,9 @@ bool frmPaint::runLong(const std::function<bool(const FilterProgress &)> &work)
     };
     menuBar()->setEnabled(false);
     m_canvas->setEnabled(false);
-    // The bar and Cancel show when the work lasts; a quick job doesn't flicker them.
-    QTimer show;
-    show.setSingleShot(true);
-    connect(&show, &QTimer::timeout, this, [this] {
-        m_progress->setValue(0);
-        m_progress->show();
-        m_cancelButton->show();
-    });
-    show.start(150);
+    m_progress->setValue(0);
+    m_progress->show();
+    m_cancelButton->show();
     QTimer tick;
     connect(&tick, &QTimer::timeout, this, [this, &percent, &phase] {
         if (percent >= 0) {
@@ -210,7 +204,6 @@ bool frmPaint::runLong(const std::function<bool(const FilterProgress &)> &work)
         loop.exec();
     const bool done = watcher.result() && !m_cancel;
 
-    show.stop();
     tick.stop();
     m_progress->hide();
     m_cancelButton->hide();
@@ -245,6 +238,8 @@ void frmPaint::showMousePosition(const QPoint &at)
 
 void frmPaint::documentChanged()
 {
+    if (!m_document || !m_canvas)
+        return; // still being built
     const PaintDocument &doc = *m_document;
     setWindowTitle(doc.Caption());
     const auto enable = [this](const char *name, bool on) {
