@@ -2,6 +2,7 @@
 
 #include "cDIBSection.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -9,18 +10,27 @@ namespace {
 
 constexpr double Pi = 3.14159265358979;
 
+QImage rgb32(QImage &&image)
+{
+    if (image.format() == QImage::Format_RGB32)
+        return std::move(image);
+    return image.convertToFormat(QImage::Format_RGB32);
+}
+
 QImage rgb32(const QImage &image)
 {
     return image.format() == QImage::Format_RGB32 ? image
                                                   : image.convertToFormat(QImage::Format_RGB32);
 }
 
-std::optional<QImage> invert(const QImage &source, const EffectParameters &p)
+// Invert and flips work in place on a picture of their own: one that nobody else holds costs
+// no copy.
+std::optional<QImage> invert(QImage picture, const EffectParameters &p)
 {
-    // The source painted over a white picture with XOR.
-    QImage result = rgb32(source).copy();
-    if (result.isNull())
+    QImage result = rgb32(std::move(picture));
+    if (result.isNull() || !result.bits())
         return std::nullopt;
+    // The source painted over a white picture with XOR.
     const bool done = ForRows(
         0, result.height() - 1,
         [&result](int begin, int end) {
@@ -36,27 +46,25 @@ std::optional<QImage> invert(const QImage &source, const EffectParameters &p)
     return result;
 }
 
-std::optional<QImage> flip(const QImage &source, bool horizontal, const EffectParameters &p)
+std::optional<QImage> flip(QImage picture, bool horizontal, const EffectParameters &p)
 {
-    const QImage in = rgb32(source);
-    QImage result(in.size(), QImage::Format_RGB32);
-    if (result.isNull())
+    QImage result = rgb32(std::move(picture));
+    if (result.isNull() || !result.bits())
         return std::nullopt;
-    const int w = in.width();
-    const int h = in.height();
+    const int w = result.width();
+    const int h = result.height();
+    // Top to bottom: the upper half's rows change places with the lower half's.
+    const int last = horizontal ? h - 1 : h / 2 - 1;
     const bool done = ForRows(
-        0, h - 1,
+        0, last,
         [&](int begin, int end) {
             for (int y = begin; y < end; ++y) {
-                if (horizontal) {
-                    const auto *from = reinterpret_cast<const QRgb *>(in.constScanLine(y));
-                    auto *to = reinterpret_cast<QRgb *>(result.scanLine(y));
-                    for (int x = 0; x < w; ++x)
-                        to[x] = from[w - 1 - x];
-                } else {
-                    std::memcpy(result.scanLine(y), in.constScanLine(h - 1 - y),
-                                size_t(w) * sizeof(QRgb));
-                }
+                auto *line = reinterpret_cast<QRgb *>(result.scanLine(y));
+                if (horizontal)
+                    std::reverse(line, line + w);
+                else
+                    std::swap_ranges(line, line + w,
+                                     reinterpret_cast<QRgb *>(result.scanLine(h - 1 - y)));
             }
         },
         p.parallel, 4, 0, p.progress);
@@ -76,6 +84,8 @@ bool RotatePicture(const QImage &source, QImage &destination, float angle, bool 
     const QImage in = rgb32(source);
     if (destination.format() != QImage::Format_RGB32)
         destination = destination.convertToFormat(QImage::Format_RGB32);
+    // Columns are written from several threads: the pixels must be this picture's own first.
+    destination.bits();
     const int sw = in.width();
     const int sh = in.height();
     const int dw = destination.width();
@@ -85,6 +95,8 @@ bool RotatePicture(const QImage &source, QImage &destination, float angle, bool 
     const int dcx = dw / 2;
     const int dcy = dh / 2;
     const int radius = int(std::ceil(std::sqrt(double(sw) * sw + double(sh) * sh) / 2.0));
+    const double cosA = std::cos(double(radians));
+    const double sinA = std::sin(double(radians));
 
     const auto read = [&](int x, int y, QRgb &out) {
         if (x < 0 || y < 0 || x >= sw || y >= sh)
@@ -102,13 +114,16 @@ bool RotatePicture(const QImage &source, QImage &destination, float angle, bool 
         [&](int begin, int end) {
             for (int i = begin; i < end; ++i) {
                 for (int j = 0; j <= radius; ++j) {
-                    const double polar = i == 0 ? Pi / 2 : std::atan(double(j) / double(i));
-                    const double distance =
-                        std::nearbyint(std::sqrt(double(i) * i + double(j) * j));
-                    const int ax = int(std::nearbyint(distance * std::cos(polar + radians)));
-                    const int ay = int(std::nearbyint(distance * std::sin(polar + radians)));
-                    const int bx = int(std::nearbyint(distance * std::cos(polar - radians)));
-                    const int by = int(std::nearbyint(distance * std::sin(polar - radians)));
+                    // The polar angle atan(j / i) (pi / 2 for i = 0) enters by its cosine and
+                    // sine, i / r and j / r, turned by the angle through the sum formulas.
+                    const double r = std::sqrt(double(i) * i + double(j) * j);
+                    const double cosP = i == 0 ? 0.0 : double(i) / r;
+                    const double sinP = i == 0 ? 1.0 : double(j) / r;
+                    const double distance = std::nearbyint(r);
+                    const int ax = int(std::nearbyint(distance * (cosP * cosA - sinP * sinA)));
+                    const int ay = int(std::nearbyint(distance * (sinP * cosA + cosP * sinA)));
+                    const int bx = int(std::nearbyint(distance * (cosP * cosA + sinP * sinA)));
+                    const int by = int(std::nearbyint(distance * (sinP * cosA - cosP * sinA)));
                     QRgb p;
                     if (read(scx + ax, scy + ay, p))
                         write(dcx + i, dcy + j, p);
@@ -124,16 +139,16 @@ bool RotatePicture(const QImage &source, QImage &destination, float angle, bool 
         parallel, 4, radius, progress);
 }
 
-std::optional<QImage> ApplyImageEffect(int effect, const QImage &source,
+std::optional<QImage> ApplyImageEffect(int effect, QImage source,
                                        const EffectParameters &parameters)
 {
     if (source.isNull())
         return std::nullopt;
     switch (effect) {
     case EffectFlipHorizontal:
-        return flip(source, true, parameters);
+        return flip(std::move(source), true, parameters);
     case EffectFlipVertical:
-        return flip(source, false, parameters);
+        return flip(std::move(source), false, parameters);
     case EffectStretch: {
         const qint64 w =
             std::max<qint64>(1, std::llrint(double(source.width()) * parameters.factorX));
@@ -170,7 +185,7 @@ std::optional<QImage> ApplyImageEffect(int effect, const QImage &source,
         return result;
     }
     case EffectInvert:
-        return invert(source, parameters);
+        return invert(std::move(source), parameters);
     default:
         return std::nullopt;
     }

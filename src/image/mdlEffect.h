@@ -36,7 +36,10 @@ struct EffectParameters
 // too large to make. A stretch gives round(width * factorX) x round(height * factorY), at least
 // 1 x 1, smoothly scaled. A rotation gives a square canvas of the picture's diagonal with the
 // picture turned about its centre (RotatePicture); exactly 180 degrees turns it without loss.
-std::optional<QImage> ApplyImageEffect(int effect, const QImage &source,
+//
+// Flips and invert work in place when source is the only holder of its pixels (pass it with
+// std::move), and on a copy otherwise.
+std::optional<QImage> ApplyImageEffect(int effect, QImage source,
                                        const EffectParameters &parameters = {});
 
 // Turns source by angle degrees about its centre into destination (whose size the caller

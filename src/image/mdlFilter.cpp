@@ -1,9 +1,13 @@
 #include "mdlFilter.h"
 
 #include <QRandomGenerator>
+#include <QThreadPool>
+#include <QtConcurrent/QtConcurrentMap>
 
 #include <array>
 #include <cmath>
+#include <map>
+#include <utility>
 
 namespace {
 
@@ -48,12 +52,10 @@ inline const QRgb *row(const QImage &image, int y)
     return reinterpret_cast<const QRgb *>(image.constScanLine(y));
 }
 
-// The region being filtered, with a copy of its old pixels where a filter reads neighbours.
+// The region being filtered.
 struct Region
 {
     int x1, y1, x2, y2;
-    QImage old; // old pixels of the region, (0, 0) standing for (x1, y1)
-    const QRgb *oldRow(int y) const { return row(old, y - y1) - x1; }
 };
 
 // Applies a 256-entry table to every channel of the region.
@@ -91,6 +93,88 @@ void perPixel(QImage &picture, const Region &r, bool parallel, const FilterProgr
         parallel, 4, r.y2, progress);
 }
 
+// Runs a filter whose pixels read old neighbours up to margin rows away, in place and without a
+// copy of the picture: each worker keeps the old values of the rows it has already written in a
+// small ring, and the rows that a neighbouring worker (or the next band) writes while another
+// still reads them are saved before the band starts. kernel(y, rows, out) gets the old rows
+// y - margin .. y + margin (null outside the region) and writes row y.
+template <typename Kernel>
+bool neighbourRows(QImage &picture, const Region &r, int first, int last, int margin, bool parallel,
+                   const FilterProgress &progress, Kernel kernel)
+{
+    if (last < first)
+        return true;
+    const int width = r.x2 - r.x1 + 1;
+    const int threads = parallel ? std::max(1, QThreadPool::globalInstance()->maxThreadCount()) : 1;
+    const int rows = last - first + 1;
+    const int band = std::max(16, rows / 64);
+    std::map<int, std::vector<QRgb>> saved;
+    const auto save = [&](int from, int to) {
+        for (int y = std::max(from, first); y < std::min(to, last + 1); ++y) {
+            if (saved.count(y))
+                continue;
+            const QRgb *line = row(std::as_const(picture), y) + r.x1;
+            saved[y] = std::vector<QRgb>(line, line + width);
+        }
+    };
+
+    for (int b = first; b <= last; b += band) {
+        const int e = std::min(last + 1, b + band);
+        std::vector<int> splits;
+        const int parts = (threads > 1 && e - b >= 2 * threads) ? threads : 1;
+        const int step = (e - b + parts - 1) / parts;
+        for (int s = b; s < e; s += step)
+            splits.push_back(s);
+        splits.push_back(e);
+        for (size_t i = 1; i + 1 < splits.size(); ++i)
+            save(splits[i] - margin, splits[i] + margin);
+        save(e - margin, e);
+
+        const auto work = [&](std::pair<int, int> part) {
+            const int s = part.first;
+            const int t = part.second;
+            std::vector<QRgb> ring(size_t(margin + 1) * size_t(width));
+            std::array<const QRgb *, 5> around{};
+            for (int y = s; y < t; ++y) {
+                QRgb *out = row(picture, y);
+                std::copy(out + r.x1, out + r.x1 + width,
+                          ring.begin() + std::ptrdiff_t(y % (margin + 1)) * width);
+                for (int i = -margin; i <= margin; ++i) {
+                    const int at = y + i;
+                    const QRgb *line = nullptr;
+                    if (at < r.y1 || at > r.y2)
+                        line = nullptr;
+                    else if (at < first || at > last)
+                        line = row(std::as_const(picture), at) + r.x1; // never written
+                    else if (at >= s && at <= y)
+                        line = ring.data() + std::ptrdiff_t(at % (margin + 1)) * width;
+                    else if (at > y && at < t)
+                        line = row(std::as_const(picture), at) + r.x1; // not written yet
+                    else if (at >= e)
+                        line = row(std::as_const(picture), at) + r.x1; // the next band's
+                    else
+                        line = saved.at(at).data();
+                    around[size_t(i + margin)] = line ? line - r.x1 : nullptr;
+                }
+                kernel(y, around.data(), out);
+            }
+        };
+        if (parts > 1) {
+            std::vector<std::pair<int, int>> ranges;
+            for (size_t i = 0; i + 1 < splits.size(); ++i)
+                ranges.emplace_back(splits[i], splits[i + 1]);
+            QtConcurrent::blockingMap(ranges, work);
+        } else {
+            work({b, e});
+        }
+        // Saved rows above this band are not read again.
+        saved.erase(saved.begin(), saved.lower_bound(b - margin));
+        if (progress && !progress(4, int(qint64(e - 1) * 100 / std::max(1, r.y2))))
+            return false;
+    }
+    return true;
+}
+
 void blur(QImage &picture, const Region &r, bool parallel, const FilterProgress &progress,
           bool &cancelled)
 {
@@ -104,31 +188,28 @@ void blur(QImage &picture, const Region &r, bool parallel, const FilterProgress 
         return t;
     }();
     const int width = r.x2 - r.x1 + 1;
-    cancelled = !ForRows(
-        r.y1 + 1, r.y2 - 1,
-        [&](int begin, int end) {
-            // Column sums of three rows, the three channels in 16-bit lanes of one number.
-            std::vector<std::uint64_t> column(size_t(width), 0);
-            for (int y = begin; y < end; ++y) {
-                const QRgb *above = r.oldRow(y - 1);
-                const QRgb *middle = r.oldRow(y);
-                const QRgb *below = r.oldRow(y + 1);
-                const auto lanes = [](QRgb p) {
-                    return std::uint64_t(p & 255) | (std::uint64_t((p >> 8) & 255) << 16) |
-                           (std::uint64_t((p >> 16) & 255) << 32);
-                };
-                for (int x = r.x1; x <= r.x2; ++x)
-                    column[size_t(x - r.x1)] = lanes(above[x]) + lanes(middle[x]) + lanes(below[x]);
-                QRgb *out = row(picture, y);
-                for (int x = r.x1 + 1; x <= r.x2 - 1; ++x) {
-                    const std::size_t i = size_t(x - r.x1);
-                    const std::uint64_t s = column[i - 1] + column[i] + column[i + 1];
-                    out[x] = pixel(tenth[(s >> 32) & 0xFFFF], tenth[(s >> 16) & 0xFFFF],
-                                   tenth[s & 0xFFFF]);
-                }
-            }
-        },
-        parallel, 4, r.y2, progress);
+    cancelled =
+        !neighbourRows(picture, r, r.y1 + 1, r.y2 - 1, 1, parallel, progress,
+                       [&](int, const QRgb *const *rows, QRgb *out) {
+                           // Column sums of three rows, the three channels in 16-bit lanes of one
+                           // number.
+                           thread_local std::vector<std::uint64_t> column;
+                           column.resize(size_t(width));
+                           const auto lanes = [](QRgb p) {
+                               return std::uint64_t(p & 255) |
+                                      (std::uint64_t((p >> 8) & 255) << 16) |
+                                      (std::uint64_t((p >> 16) & 255) << 32);
+                           };
+                           for (int x = r.x1; x <= r.x2; ++x)
+                               column[size_t(x - r.x1)] =
+                                   lanes(rows[0][x]) + lanes(rows[1][x]) + lanes(rows[2][x]);
+                           for (int x = r.x1 + 1; x <= r.x2 - 1; ++x) {
+                               const std::size_t i = size_t(x - r.x1);
+                               const std::uint64_t sum = column[i - 1] + column[i] + column[i + 1];
+                               out[x] = pixel(tenth[(sum >> 32) & 0xFFFF],
+                                              tenth[(sum >> 16) & 0xFFFF], tenth[sum & 0xFFFF]);
+                           }
+                       });
 }
 
 // Crease and wave: the old colour at (x, y) goes to (x, round(y + amplitude * sin(x))).
@@ -136,21 +217,47 @@ void columnShift(QImage &picture, const Region &r, double amplitude, bool parall
                  const FilterProgress &progress, bool &cancelled)
 {
     const int height = picture.height();
-    std::vector<double> shift(size_t(r.x2 - r.x1 + 1));
-    for (int x = r.x1; x <= r.x2; ++x)
-        shift[size_t(x - r.x1)] = amplitude * std::sin(double(x));
-    // Columns are independent, so bands of columns may run side by side.
+    uchar *bits = picture.bits();
+    const qsizetype stride = picture.bytesPerLine();
+    const auto at = [bits, stride](int x, int y) -> QRgb & {
+        return reinterpret_cast<QRgb *>(bits + stride * y)[x];
+    };
+    // Columns are independent, so bands of columns may run side by side. A column moves by
+    // round(amplitude * sin(x)) as a whole, in place: downwards from its bottom, upwards from its
+    // top, so that no pixel is read after it was written. Only where that fraction lies at a half
+    // does the rounding of y + shift depend on y: such a column goes pixel by pixel from a copy.
     cancelled = !ForRows(
         r.x1, r.x2,
         [&](int begin, int end) {
-            for (int y = r.y1; y <= r.y2; ++y) {
-                const QRgb *in = r.oldRow(y);
-                for (int x = begin; x < end; ++x) {
-                    const double target = std::nearbyint(double(y) + shift[size_t(x - r.x1)]);
-                    if (target >= 0 && target < height)
-                        row(picture, int(target))[x] = in[x];
+            std::vector<std::pair<int, int>> down;
+            std::vector<std::pair<int, int>> up;
+            for (int x = begin; x < end; ++x) {
+                const double shift = amplitude * std::sin(double(x));
+                if (std::fabs(shift - std::floor(shift) - 0.5) < 1e-6) {
+                    std::vector<QRgb> column;
+                    for (int y = r.y1; y <= r.y2; ++y)
+                        column.push_back(at(x, y));
+                    for (int y = r.y1; y <= r.y2; ++y) {
+                        const double target = std::nearbyint(double(y) + shift);
+                        if (target >= 0 && target < height)
+                            at(x, int(target)) = column[size_t(y - r.y1)];
+                    }
+                    continue;
                 }
+                const int d = int(std::nearbyint(shift));
+                if (d > 0)
+                    down.emplace_back(x, d);
+                else if (d < 0)
+                    up.emplace_back(x, d);
             }
+            for (int y = r.y2; y >= r.y1 && !down.empty(); --y)
+                for (const auto &[x, d] : down)
+                    if (y + d < height)
+                        at(x, y + d) = at(x, y);
+            for (int y = r.y1; y <= r.y2 && !up.empty(); ++y)
+                for (const auto &[x, d] : up)
+                    if (y + d >= 0)
+                        at(x, y + d) = at(x, y);
         },
         parallel, 4, r.x2, progress);
 }
@@ -176,22 +283,18 @@ struct RowRandom
 void diffuse(QImage &picture, const Region &r, std::uint64_t seed, bool parallel,
              const FilterProgress &progress, bool &cancelled)
 {
-    cancelled = !ForRows(
-        r.y1 + 2, r.y2 - 3,
-        [&](int begin, int end) {
-            for (int y = begin; y < end; ++y) {
-                RowRandom random{seed ^ (std::uint64_t(std::uint32_t(y)) * 0xD1B54A32D192ED03ull)};
-                QRgb *out = row(picture, y);
-                for (int x = r.x1 + 2; x <= r.x2 - 3; ++x) {
-                    const int red = redOf(r.oldRow(y + random.d())[x]);
-                    const int green = greenOf(r.oldRow(y)[x + random.d()]);
-                    const int dx = random.d();
-                    const int blue = blueOf(r.oldRow(y + random.d())[x + dx]);
-                    out[x] = pixel(red, green, blue);
-                }
+    cancelled = !neighbourRows(
+        picture, r, r.y1 + 2, r.y2 - 3, 2, parallel, progress,
+        [&](int y, const QRgb *const *rows, QRgb *out) {
+            RowRandom random{seed ^ (std::uint64_t(std::uint32_t(y)) * 0xD1B54A32D192ED03ull)};
+            for (int x = r.x1 + 2; x <= r.x2 - 3; ++x) {
+                const int red = redOf(rows[2 + random.d()][x]);
+                const int green = greenOf(rows[2][x + random.d()]);
+                const int dx = random.d();
+                const int blue = blueOf(rows[2 + random.d()][x + dx]);
+                out[x] = pixel(red, green, blue);
             }
-        },
-        parallel, 4, r.y2, progress);
+        });
 }
 
 void emboss(QImage &picture, const Region &r, bool parallel, const FilterProgress &progress,
@@ -201,23 +304,18 @@ void emboss(QImage &picture, const Region &r, bool parallel, const FilterProgres
     std::array<uchar, 511> table{};
     for (int d = -255; d <= 255; ++d)
         table[size_t(d + 255)] = uchar(clip255(std::abs(-128 + d)));
-    cancelled = !ForRows(
-        r.y1, r.y2 - 1,
-        [&](int begin, int end) {
-            for (int y = begin; y < end; ++y) {
-                const QRgb *here = r.oldRow(y);
-                const QRgb *next = r.oldRow(y + 1);
-                QRgb *out = row(picture, y);
-                for (int x = r.x1; x <= r.x2 - 1; ++x) {
-                    const QRgb a = here[x];
-                    const QRgb b = next[x + 1];
-                    out[x] = pixel(table[size_t(redOf(a) - redOf(b) + 255)],
-                                   table[size_t(greenOf(a) - greenOf(b) + 255)],
-                                   table[size_t(blueOf(a) - blueOf(b) + 255)]);
-                }
-            }
-        },
-        parallel, 4, r.y2, progress);
+    cancelled = !neighbourRows(picture, r, r.y1, r.y2 - 1, 1, parallel, progress,
+                               [&](int, const QRgb *const *rows, QRgb *out) {
+                                   const QRgb *here = rows[1];
+                                   const QRgb *next = rows[2];
+                                   for (int x = r.x1; x <= r.x2 - 1; ++x) {
+                                       const QRgb a = here[x];
+                                       const QRgb b = next[x + 1];
+                                       out[x] = pixel(table[size_t(redOf(a) - redOf(b) + 255)],
+                                                      table[size_t(greenOf(a) - greenOf(b) + 255)],
+                                                      table[size_t(blueOf(a) - blueOf(b) + 255)]);
+                                   }
+                               });
 }
 
 void diagonalGain(QImage &picture, const Region &r, double k, bool parallel,
@@ -231,23 +329,18 @@ void diagonalGain(QImage &picture, const Region &r, double k, bool parallel,
             table[size_t(v * 256 + p)] = uchar(std::min(255.0, std::fabs(value)));
         }
     }
-    cancelled = !ForRows(
-        r.y1 + 1, r.y2,
-        [&](int begin, int end) {
-            for (int y = begin; y < end; ++y) {
-                const QRgb *here = r.oldRow(y);
-                const QRgb *above = r.oldRow(y - 1);
-                QRgb *out = row(picture, y);
-                for (int x = r.x1 + 1; x <= r.x2; ++x) {
-                    const QRgb v = here[x];
-                    const QRgb p = above[x - 1];
-                    out[x] = pixel(table[size_t(redOf(v) * 256 + redOf(p))],
-                                   table[size_t(greenOf(v) * 256 + greenOf(p))],
-                                   table[size_t(blueOf(v) * 256 + blueOf(p))]);
-                }
-            }
-        },
-        parallel, 4, r.y2, progress);
+    cancelled = !neighbourRows(picture, r, r.y1 + 1, r.y2, 1, parallel, progress,
+                               [&](int, const QRgb *const *rows, QRgb *out) {
+                                   const QRgb *here = rows[1];
+                                   const QRgb *above = rows[0];
+                                   for (int x = r.x1 + 1; x <= r.x2; ++x) {
+                                       const QRgb v = here[x];
+                                       const QRgb p = above[x - 1];
+                                       out[x] = pixel(table[size_t(redOf(v) * 256 + redOf(p))],
+                                                      table[size_t(greenOf(v) * 256 + greenOf(p))],
+                                                      table[size_t(blueOf(v) * 256 + blueOf(p))]);
+                                   }
+                               });
 }
 
 QRgb grayBlackAndWhite(QRgb p)
@@ -343,23 +436,21 @@ FilterResult ImageFilter(int filter, QImage &picture, int &x1, int &y1, int &x2,
         picture = picture.convertToFormat(QImage::Format_RGB32);
 
     Region r{std::max(0, x1), std::max(0, y1), std::min(picture.width() - 1, x2),
-             std::min(picture.height() - 1, y2), QImage()};
+             std::min(picture.height() - 1, y2)};
     if (r.x1 > r.x2 || r.y1 > r.y2)
         return FilterResult::Done;
     const bool small = IsSmallRegion(x1, y1, x2, y2);
     const FilterProgress progress = small ? FilterProgress() : options.progress;
     const bool parallel = options.parallel && !small;
 
+    // Rows are written from several threads: the pixels must be this picture's own first.
+    picture.bits();
+    // The filters that read old neighbours keep the few old rows they need as they go.
     const bool readsOld = filter == FilterBlur || filter == FilterCrease ||
                           filter == FilterDiffuse || filter == FilterEmboss ||
                           filter == FilterSharpen || filter == FilterSnow || filter == FilterWave;
-    if (readsOld) {
-        r.old = picture.copy(r.x1, r.y1, r.x2 - r.x1 + 1, r.y2 - r.y1 + 1);
-        if (r.old.isNull())
-            return FilterResult::Cancelled;
-        if (progress && !progress(5, 100))
-            return FilterResult::Cancelled;
-    }
+    if (readsOld && progress && !progress(5, 100))
+        return FilterResult::Cancelled;
 
     bool cancelled = false;
     switch (filter) {
