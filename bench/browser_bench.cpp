@@ -32,9 +32,10 @@ int main(int argc, char *argv[])
     }
     const int runs = args.size() > 5 ? args.at(5).toInt() : 10;
 
-    frmMain window;
-    cFTP ftp;
-    DialogTransferUi progress(JobState::instance(), &window);
+    JobState state;
+    frmMain window(state);
+    cFTP ftp(state);
+    DialogTransferUi progress(state, &window);
     FtpControlTab tab(window, ftp, window.jobUi(), progress);
     tab.resize(1000, 700);
     tab.show();

@@ -290,7 +290,8 @@ int main(int argc, char *argv[])
     }
 
     const QString work = QDir(args.at(1)).absolutePath();
-    PhotoPage &page = PhotoPage::instance();
+    JobState state;
+    PhotoPage &page = state.current<PhotoPage>();
     for (const QString &entry : ListPictureFiles(work)) {
         const int n = page.PhotoNumber;
         if (!PhotoPage::isRow(n))
@@ -303,11 +304,10 @@ int main(int argc, char *argv[])
         ++page.PhotoNumber;
     }
 
-    cFTP ftp;
-    JobState &state = JobState::instance();
+    cFTP ftp(state);
     std::unique_ptr<frmMain> window;
     if (live) {
-        window = std::make_unique<frmMain>();
+        window = std::make_unique<frmMain>(state);
         window->resize(1200, 800);
         window->show();
         // The window is painted once before the press, as it is when a user presses Build All.

@@ -77,8 +77,8 @@ int main(int argc, char *argv[])
     const QString mode = args[4];
     const QString path = args[5];
 
-    JobState &state = JobState::instance();
-    cFTP ftp;
+    JobState state;
+    cFTP ftp(state);
     QuietUi ui;
     BenchWindow window(ftp, account);
     DialogTransferUi progress(state);

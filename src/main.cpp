@@ -1,6 +1,5 @@
-#include "FtpControlTab.h"
+#include "JobState.h"
 #include "PhotoBuildInstall.h"
-#include "PhotoFrameInstall.h"
 #include "WebSpaceInstall.h"
 #include "cFTP.h"
 #include "frmAction.h"
@@ -17,18 +16,20 @@ int main(int argc, char *argv[])
     // The window's own close question decides; no window closing behind it ends the program.
     QApplication::setQuitOnLastWindowClosed(false);
 
+    // What every job shares: the prompt protocol, the cancel flags, the current records.
+    JobState jobs;
     // The window's one FTP session, shared by every job and the FTP tab.
-    cFTP mFTP;
-    frmMain window;
+    cFTP mFTP(jobs);
+    frmMain window(jobs);
     QObject::connect(&window, &frmMain::programEnding, &app, [] { frmMain::EndProgram(); });
     window.followBlockTransfers(mFTP);
-    PhotoFrame *photoFrame = InstallPhotoFrame(window);
-    PhotoBuildController *photoBuild = InstallPhotoBuild(window, *photoFrame, mFTP);
-    // The FTP tab, Send a File and the Configuration page; builders list through the tab.
-    const WebSpaceParts webSpace = InstallWebSpace(window, mFTP);
-    photoBuild->setListReloader([tab = webSpace.tab] { tab->ReloadFTPList(); });
-    photoBuild->setDisconnector([tab = webSpace.tab] { tab->cmdDisconnect_Click(); });
-    frmAction::Install(&window, [&window] { window.HelpButton_Click(); });
+    frmAction::Install(jobs, &window, [&window] { window.HelpButton_Click(); });
+
+    // FTP Control & Settings, Send a File and the Configuration page; the web space they give
+    // is how every other function sends.
+    WebSpace &webSpace = InstallWebSpace(window, mFTP);
+    InstallPhotoPage(window, webSpace);
+
     window.Load();
     // The session transfers in binary; the mode flag says active, while the data connections
     // themselves stay passive.

@@ -1,7 +1,13 @@
 #include "JobState.h"
 
-JobState &JobState::instance()
+void JobState::reset()
 {
-    static JobState state;
-    return state;
+    PromptText.clear();
+    UserResponse.clear();
+    PromptMode.clear();
+    PromptMaxLength = 0;
+    UploadCancelled = false;
+    BackgroundRequested = false;
+    CurrentPointer.clear();
+    LastUploadPath.clear();
 }

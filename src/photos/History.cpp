@@ -165,6 +165,14 @@ int FindPhoto(const PhotoPage &page, const QString &name, const QString &group)
     return PhotoPage::NotFound;
 }
 
+std::optional<QString> PhotoInfoOf(const PhotoPage &page, const QString &entry)
+{
+    const int row = FindPhoto(page, RemoveGroupNumber(entry), GetGroupNumber(entry));
+    if (!PhotoPage::isRow(row))
+        return std::nullopt;
+    return page.PhotoInfo[static_cast<size_t>(row)];
+}
+
 bool RemovePhoto(PhotoPage &page, int row)
 {
     if (!PhotoPage::isRow(row))

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <optional>
+
 class JobUi;
 struct PhotoPage;
 
@@ -33,6 +35,9 @@ QString GetHistoryValue(const QString &text, const QString &key);
 // The first row whose name equals name, whose group has the numeric value of group and whose
 // rotation suffix fits the name; PhotoPage::NotFound when there is none.
 int FindPhoto(const PhotoPage &page, const QString &name, const QString &group);
+// The text beside the picture of a Ready to Send entry ("00050_Tree.jpg"), as the page's
+// placeholders show it; nothing when the record has no row of that name and group.
+std::optional<QString> PhotoInfoOf(const PhotoPage &page, const QString &entry);
 // Moves the rows behind row down by one and lowers PhotoNumber (not below 0). The last row
 // keeps its old contents beyond the new count. A row outside the record changes nothing.
 bool RemovePhoto(PhotoPage &page, int row);

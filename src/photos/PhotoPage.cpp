@@ -5,12 +5,6 @@
 
 #include <algorithm>
 
-PhotoPage &PhotoPage::instance()
-{
-    static PhotoPage page;
-    return page;
-}
-
 bool IsNumericText(const QString &text)
 {
     static const QRegularExpression number(

@@ -28,9 +28,6 @@ struct PhotoPage
     std::array<bool, Rows> PhotoSkip{};    // never saved
 
     static bool isRow(int row) { return row >= 0 && row < Rows; }
-
-    // The program-wide record (lives for the whole run).
-    static PhotoPage &instance();
 };
 
 // "00050_Tree.jpg" -> "Tree.jpg"; a name whose text before the first "_" is not a number stays.

@@ -26,12 +26,6 @@ QString trimBlanks(const QString &text)
     return text.mid(first, last - first);
 }
 
-TakeActionHandler &takeActionHandler()
-{
-    static TakeActionHandler handler;
-    return handler;
-}
-
 const QByteArray HeaderTemplate = QByteArrayLiteral("Version:1.0\r\n"
                                                     "StartHTML:aaaaaaaaaa\r\n"
                                                     "EndHTML:bbbbbbbbbb\r\n"
@@ -65,12 +59,6 @@ qsizetype numberBehind(const QByteArray &text, const QByteArray &key)
 }
 
 } // namespace
-
-QString &CurrentPointer()
-{
-    static QString pointer;
-    return pointer;
-}
 
 QString RemoveFTPRoot(const QString &path)
 {
@@ -106,11 +94,6 @@ QString CompletePointer(const QString &pointer)
     return HttpPrefix + pointer;
 }
 
-void SetTakeActionHandler(TakeActionHandler handler)
-{
-    takeActionHandler() = std::move(handler);
-}
-
 QString CopyPointer(JobUi &ui, JobState &state, const QString &path, const QString &extra,
                     const QString &blank)
 {
@@ -119,9 +102,9 @@ QString CopyPointer(JobUi &ui, JobState &state, const QString &path, const QStri
     auto *data = new QMimeData;
     data->setText(text);
     ui.SetClipboard(data);
-    CurrentPointer() = text;
-    if (const TakeActionHandler &show = takeActionHandler())
-        show(ui, state);
+    state.CurrentPointer = text;
+    if (state.ShowTakeAction)
+        state.ShowTakeAction(ui, state);
     return text;
 }
 

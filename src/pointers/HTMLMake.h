@@ -15,10 +15,6 @@ struct JobState;
 // "HTML Format" layout (a header of byte offsets, then the HTML), which mail programs and
 // word processors paste as a link.
 
-// The last pointer made; read (and completed with "http://") by the Take an Action window.
-// Lasts until the next CopyPointer.
-QString &CurrentPointer();
-
 // The path less the FTPRoot setting: "site/public_html/Photos/a" with root "public_html" gives
 // "site/Photos/a". An empty root leaves the path as it stands; a root that isn't found in the
 // path, followed by "/", gives "".
@@ -35,15 +31,10 @@ QString CompletePointer(const QString &pointer);
 // True for a local file's path (absolute, or an old "c:\" path) rather than a web address.
 bool IsLocalPointer(const QString &pointer);
 
-// Called by CopyPointer to show the Take an Action window for CurrentPointer() and wait until
-// the user has closed it. The window installs itself here (see frmAction.h); with no handler
-// installed CopyPointer ends after the clipboard.
-using TakeActionHandler = std::function<void(JobUi &ui, JobState &state)>;
-void SetTakeActionHandler(TakeActionHandler handler);
-
 // The end of every job: makes the pointer of path (see MakePointer), replaces the clipboard
-// with it as plain text, keeps it in CurrentPointer() and opens Take an Action, waiting until
-// it is closed (the event loop runs meanwhile). extra is not used. Returns the pointer.
+// with it as plain text, keeps it in state.CurrentPointer and opens Take an Action
+// (state.ShowTakeAction), waiting until it is closed (the event loop runs meanwhile). extra is not
+// used. Returns the pointer.
 QString CopyPointer(JobUi &ui, JobState &state, const QString &path, const QString &extra,
                     const QString &blank);
 

@@ -48,12 +48,6 @@ const QString DirectoryFailure = QStringLiteral(
 
 } // namespace
 
-QString &LastUploadPath()
-{
-    static QString path;
-    return path;
-}
-
 bool UploadFileToFTP(TransferContext &context, const QString &localPath)
 {
     const QString directory = context.ftp.GetFTPDirectory().trimmed();
@@ -61,7 +55,7 @@ bool UploadFileToFTP(TransferContext &context, const QString &localPath)
     // The old copy goes first: some servers refuse to overwrite, and a failed send then
     // leaves no stale copy behind.
     context.ftp.DeleteFTPFile(name);
-    LastUploadPath() = context.window.UploadPath();
+    context.state.LastUploadPath = context.window.UploadPath();
 
     TransferEngine engine(context.progress, context.state);
     bool sent = false;

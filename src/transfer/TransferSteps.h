@@ -45,9 +45,6 @@ struct TransferContext
     TransferUi &progress;
 };
 
-// UploadPath's caption at the last send.
-QString &LastUploadPath();
-
 // Sends one local file into the current remote directory under its own name: the old copy is
 // deleted first (a failed send thus leaves none), then up to three attempts, each in a session
 // of its own with dlgFTP showing the bar (hidden while BackgroundRequested). A cancel during an

@@ -49,7 +49,7 @@ QString PathFrom257(const QString &reply)
     return QString();
 }
 
-cFTP::cFTP(QObject *parent) : QObject(parent), m_state(&JobState::instance()) {}
+cFTP::cFTP(JobState &state, QObject *parent) : QObject(parent), m_state(&state) {}
 
 cFTP::~cFTP() = default;
 

@@ -30,7 +30,8 @@ public:
     static constexpr quint32 FTP_TRANSFER_TYPE_BINARY = 2;
     static constexpr quint32 INTERNET_FLAG_PASSIVE = 0x8000000;
 
-    explicit cFTP(QObject *parent = nullptr);
+    // state carries a cancel to a waiting call through its flags; it must outlive the session.
+    explicit cFTP(JobState &state, QObject *parent = nullptr);
     ~cFTP() override;
 
     // The result of the last GetDirectoryListing; empty before the first.
@@ -88,9 +89,6 @@ public:
     QString Server() const { return m_server; }
     QString User() const { return m_user; }
 
-    // The state whose flags carry a cancel to a waiting call (JobState::instance() by default).
-    void setJobState(JobState *state) { m_state = state; }
-
 signals:
     void FileTransferProgress(qint64 lCurrentBytes, qint64 lTotalBytes);
     // ProgressBar1 during FTPDownloadFile: shown with minimum 0, the maximum and value 0; its
@@ -123,7 +121,7 @@ private:
     cDirList m_directoryList;
     quint32 m_transferType = FTP_TRANSFER_TYPE_ASCII;
     quint32 m_passiveFlag = 0;
-    JobState *m_state = nullptr;
+    JobState *m_state;
 };
 
 // The path in a "257" reply ("257 "/a ""b""" is current" gives /a "b"); "" when there is none.

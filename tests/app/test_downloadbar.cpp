@@ -1,4 +1,5 @@
 #include "FtpTestServer.h"
+#include "JobState.h"
 #include "TestMain.h"
 #include "cFTP.h"
 #include "frmMain.h"
@@ -34,8 +35,9 @@ private slots:
         }
         QTemporaryDir local;
 
-        frmMain window;
-        cFTP ftp;
+        JobState state;
+        frmMain window(state);
+        cFTP ftp(state);
         window.followBlockTransfers(ftp);
         window.showProgressFrame(true);
         window.show();

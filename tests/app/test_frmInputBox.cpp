@@ -30,6 +30,8 @@ public slots:
 class TestFrmInputBox : public QObject
 {
     Q_OBJECT
+    // The job-wide state of this test program, as the program makes one for its run.
+    JobState m_state;
 
     frmMain *m_main = nullptr;
 
@@ -38,7 +40,7 @@ class TestFrmInputBox : public QObject
                 std::function<void(frmInputBox *)> action)
     {
         whenModal<frmInputBox>(std::move(action));
-        JobState &state = JobState::instance();
+        JobState &state = m_state;
         state.PromptText = QStringLiteral("Enter the title of the page.");
         state.UserResponse = defaultText;
         state.PromptMode = mode;
@@ -55,11 +57,11 @@ class TestFrmInputBox : public QObject
 private slots:
     void initTestCase()
     {
-        m_main = new frmMain;
+        m_main = new frmMain(m_state);
         m_main->show();
     }
     void cleanupTestCase() { delete m_main; }
-    void init() { JobState::instance().reset(); }
+    void init() { m_state.reset(); }
 
     void answers_data()
     {
@@ -94,7 +96,7 @@ private slots:
                 child<QPushButton>(box, "InputBoxOK")->click();
             });
         QCOMPARE(answer, expected);
-        QCOMPARE(JobState::instance().PromptMode, QStringLiteral("Hide"));
+        QCOMPARE(m_state.PromptMode, QStringLiteral("Hide"));
     }
 
     void loadShowsQuestionAndDefaultSelected()
@@ -164,8 +166,8 @@ private slots:
         QVERIFY(shown);
         QVERIFY(skipShown);
         QCOMPARE(first, firstSelected);
-        QCOMPARE(JobState::instance().PromptMode, expectedMode);
-        QCOMPARE(JobState::instance().UserResponse, QStringLiteral("x"));
+        QCOMPARE(m_state.PromptMode, expectedMode);
+        QCOMPARE(m_state.UserResponse, QStringLiteral("x"));
     }
 
     void skipGivesSkipWord()
@@ -174,8 +176,8 @@ private slots:
             ask(QStringLiteral("Keep"), QStringLiteral("True"), 12,
                 [](frmInputBox *box) { child<QPushButton>(box, "SkipButton")->click(); });
         QCOMPARE(answer, JobState::Skip);
-        QCOMPARE(JobState::instance().PromptMaxLength, 0);
-        QCOMPARE(JobState::instance().PromptMode, QStringLiteral("True"));
+        QCOMPARE(m_state.PromptMaxLength, 0);
+        QCOMPARE(m_state.PromptMode, QStringLiteral("True"));
     }
 
     void maxLengthLimitsAndIsGoneAfterwards()
@@ -186,7 +188,7 @@ private slots:
             child<QPushButton>(box, "InputBoxOK")->click();
         });
         QCOMPARE(answer.size(), 30);
-        QCOMPARE(JobState::instance().PromptMaxLength, 0);
+        QCOMPARE(m_state.PromptMaxLength, 0);
         answer = ask(QString(), QStringLiteral("Hide"), 0, [forty](frmInputBox *box) {
             QTest::keyClicks(child<QLineEdit>(box, "Text1"), forty);
             child<QPushButton>(box, "InputBoxOK")->click();
@@ -218,7 +220,7 @@ private slots:
         QCOMPARE(seen->title, QStringLiteral("Need to know..."));
         QCOMPARE(seen->text, QStringLiteral("Are you sure you want to cancel?"));
         QCOMPARE(answer, JobState::Skip);
-        QCOMPARE(JobState::instance().PromptMaxLength, 0);
+        QCOMPARE(m_state.PromptMaxLength, 0);
 
         // No to the question: the prompt stays and can still be answered.
         bool stillOpen = false;
@@ -305,8 +307,8 @@ private slots:
     {
         whenModal<frmInputBox>(
             [](frmInputBox *box) { child<QPushButton>(box, "InputBoxOK")->click(); });
-        const QString answer = AskUser(m_main->jobUi(), JobState::instance(),
-                                       QStringLiteral("Name?"), QStringLiteral("Photos 1"));
+        const QString answer =
+            AskUser(m_main->jobUi(), m_state, QStringLiteral("Name?"), QStringLiteral("Photos 1"));
         QCOMPARE(answer, QStringLiteral("Photos 1"));
     }
 

@@ -6,6 +6,7 @@
 #include "JobState.h"
 #include "ModalAnswer.h"
 #include "Settings.h"
+#include "ShellTestFunctions.h"
 #include "StepRing.h"
 #include "TestMain.h"
 #include "frmMain.h"
@@ -20,8 +21,11 @@
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTabBar>
@@ -73,13 +77,25 @@ QStringList colourAndFontKeys()
 class TestFrmMain : public QObject
 {
     Q_OBJECT
+    // The job-wide state of this test program, as the program makes one for its run.
+    JobState m_state;
 
     std::unique_ptr<frmMain> m_main;
+    ShellTestLog m_log;
+
+    // A window with six functions joined, before its Load.
+    std::unique_ptr<frmMain> makeWindow()
+    {
+        auto window = std::make_unique<frmMain>(m_state);
+        m_log = ShellTestLog();
+        JoinTestFunctions(*window, m_log);
+        return window;
+    }
 
     // A window as the program starts it; the first run answers the spelling question with No.
     void start()
     {
-        m_main = std::make_unique<frmMain>();
+        m_main = makeWindow();
         if (GetSetting(QStringLiteral("entry")).isEmpty())
             answerMessageBox(QMessageBox::No);
         m_main->Load();
@@ -103,7 +119,7 @@ private slots:
     {
         m_main.reset();
         ClearTemporaryHome();
-        JobState::instance().reset();
+        m_state.reset();
         SaveSetting(QStringLiteral("entry"), QStringLiteral("5"));
         start();
     }
@@ -195,12 +211,6 @@ private slots:
         QFETCH(QString, form);
         QFETCH(IntSet, rings);
         QSignalSpy opened(m_main.get(), &frmMain::programEnding);
-        int hookIndex = -1;
-        bool hookByTab = true;
-        m_main->addFunctionOpenedHook([&](int i, bool byTab) {
-            hookIndex = i;
-            hookByTab = byTab;
-        });
         child<QPushButton>(QStringLiteral("FunctionSelectButton_%1").arg(index))->click();
         QVERIFY(!m_main->StartFrame()->isVisible());
         for (int i = 0; i < 6; ++i)
@@ -212,9 +222,82 @@ private slots:
         QCOMPARE(page->objectName(), form);
         for (int i = 0; i < 27; ++i)
             QCOMPARE(m_main->ring(i)->isShown(), rings.count(i) == 1);
-        QCOMPARE(hookIndex, index);
-        QVERIFY(!hookByTab);
+        QVERIFY(m_main->TabFrame(index)->isAncestorOf(
+            child<QWidget>(QStringLiteral("TestContent_%1").arg(index))));
+        QCOMPARE(m_log.opened.size(), size_t(1));
+        QCOMPARE(m_log.opened.back().first, index);
+        QVERIFY(!m_log.opened.back().second);
+        QCOMPARE(m_log.shown, index == 0 ? 1 : 0);
         QCOMPARE(opened.count(), 0);
+    }
+
+    void aFunctionThatHasNotJoinedCannotBeOpened()
+    {
+        JobState state;
+        frmMain bare(state);
+        ShellTestLog log;
+        ShellFunction one;
+        one.index = 2;
+        one.content = new QFrame;
+        one.instructions = TestInstructions(2);
+        one.opened = [&log](bool byTab) { log.opened.emplace_back(2, byTab); };
+        bare.addFunction(std::move(one));
+        // A second function at the same place is refused.
+        ShellFunction again;
+        again.index = 2;
+        again.content = new QFrame;
+        again.content->setObjectName(QStringLiteral("Refused"));
+        bare.addFunction(std::move(again));
+        QVERIFY(!bare.findChild<QFrame *>(QStringLiteral("Refused")));
+        delete again.content;
+        bare.Load();
+        bare.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&bare));
+
+        for (int i = 0; i < frmMain::FunctionCount; ++i) {
+            QCOMPARE(bare.hasFunction(i), i == 2);
+            QCOMPARE(bare.findChild<QPushButton *>(QStringLiteral("FunctionSelectButton_%1").arg(i))
+                         ->isEnabled(),
+                     i == 2);
+            QCOMPARE(bare.findChild<QAction *>(QStringLiteral("TabMenu_%1").arg(i))->isEnabled(),
+                     i == 2);
+            QCOMPARE(bare.findChild<QAction *>(QStringLiteral("InstrMenu_%1").arg(i))->isVisible(),
+                     i == 2);
+            QCOMPARE(bare.TabStrip1()->isTabEnabled(i), i == 2);
+        }
+        bare.FunctionSelectButton_Click(1);
+        QVERIFY(bare.StartFrame()->isVisible());
+        QVERIFY(!bare.TabFrame(1)->isVisible());
+        QVERIFY(!bare.showInstructionForm(1));
+        QVERIFY(log.opened.empty());
+        bare.FunctionSelectButton_Click(2);
+        QVERIFY(bare.TabFrame(2)->isVisible());
+        QCOMPARE(log.opened.size(), size_t(1));
+    }
+
+    void aFunctionsMenuEntriesJoinTheMenusItNames()
+    {
+        JobState state;
+        frmMain bare(state);
+        ShellFunction function;
+        function.index = 4;
+        function.content = new QFrame;
+        auto *import = new QAction(QStringLiteral("Import Bookmarks..."));
+        import->setObjectName(QStringLiteral("ImportEntry"));
+        auto *tool = new QAction(QStringLiteral("A Tool"));
+        tool->setObjectName(QStringLiteral("ToolEntry"));
+        function.menuEntries = {{QStringLiteral("&File"), import}, {QStringLiteral("Tools"), tool}};
+        bare.addFunction(std::move(function));
+        QCOMPARE(import->parent(), &bare);
+        auto *fileMenu = bare.findChild<QMenu *>(QStringLiteral("FileMenu"));
+        QVERIFY(fileMenu->actions().contains(import));
+        const auto bar = bare.menuBar()->actions();
+        QStringList titles;
+        for (QAction *entry : bar)
+            titles << entry->text();
+        QCOMPARE(titles, QStringList({QStringLiteral("&File"), QStringLiteral("&Options"),
+                                      QStringLiteral("Tools"), QStringLiteral("&Help")}));
+        QVERIFY(bar.at(2)->menu()->actions().contains(tool));
     }
 
     void pressingTwiceClosesAndOpensTheForm()
@@ -294,24 +377,24 @@ private slots:
         action(QStringLiteral("InstrMenu_2"))->trigger();
         InstructionForm *page = m_main->instructionForm(2);
         QCOMPARE(page->findChild<QLabel *>(QStringLiteral("Step_2"))->text(),
-                 QStringLiteral("The pointer to this file is then ready to send via email either "
-                                "using the 'Take an Action' button or using the Paste command "
-                                "'Ctrl v'."));
+                 QStringLiteral("Step 3 of Send a File"));
         QCOMPARE(page->findChild<QLabel *>(QStringLiteral("NextActionLabel"))->text(),
                  QStringLiteral("Iindicates the next action"));
         QCOMPARE(page->findChild<QLabel *>(QStringLiteral("FinalActionLabel"))->text(),
                  QStringLiteral("Indicates the final action"));
-        QCOMPARE(InstructionForm::steps(0).size(), 6);
-        QCOMPARE(InstructionForm::steps(1).size(), 7);
-        QCOMPARE(InstructionForm::steps(3).size(), 5);
-        QCOMPARE(InstructionForm::steps(4).size(), 7);
-        QCOMPARE(InstructionForm::steps(5).size(), 5);
+        // Every step of the function's page, in order.
+        QCOMPARE(
+            page->findChildren<QLabel *>(QRegularExpression(QStringLiteral("^Step_\\d+$"))).size(),
+            3);
+        QCOMPARE(page->findChild<QLabel *>(QStringLiteral("Step_0"))->text(),
+                 QStringLiteral("Step 1 of Send a File"));
+        QCOMPARE(page->windowTitle(), QStringLiteral("Send a File - Instructions"));
         QVERIFY(page->findChild<QPushButton *>(QStringLiteral("MoreHelpButton")));
     }
 
     void checkBoxWritesOnlyWhileThePageShows()
     {
-        InstructionForm hidden(3, m_main.get(), {});
+        InstructionForm hidden(3, TestInstructions(3), m_main.get(), {});
         auto *check = hidden.findChild<QCheckBox *>(QStringLiteral("Check1"));
         check->click();
         QVERIFY(!HasSetting(QStringLiteral("BlogIntructionView")));
@@ -391,14 +474,14 @@ private slots:
         QVERIFY(!action(QStringLiteral("CheckSpellingMenu"))->isEnabled());
 
         // A checker installed before Load, with the setting on.
-        m_main = std::make_unique<frmMain>();
+        m_main = makeWindow();
         m_main->setSpellChecker([](const QString &text) { return text; });
         m_main->Load();
         QVERIFY(action(QStringLiteral("CheckSpellingMenu"))->isEnabled());
         QVERIFY(action(QStringLiteral("CheckSpellingAllMenu"))->isEnabled());
         // With the setting off, a checker alone does not enable them.
         SaveSetting(QStringLiteral("SpellCheck"), QStringLiteral("False"));
-        m_main = std::make_unique<frmMain>();
+        m_main = makeWindow();
         m_main->setSpellChecker([](const QString &text) { return text; });
         m_main->Load();
         QVERIFY(!action(QStringLiteral("CheckSpellingMenu"))->isEnabled());
@@ -411,13 +494,11 @@ private slots:
         QCOMPARE(m_main->TabStrip1()->currentIndex(), 3);
         QVERIFY(m_main->ring(5)->isShown());
 
-        bool byTab = false;
-        m_main->addFunctionOpenedHook([&byTab](int, bool tab) { byTab = tab; });
         QTabBar *tabs = m_main->TabStrip1();
         QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(5).center());
         QVERIFY(m_main->TabFrame(5)->isVisible());
         QVERIFY(!m_main->TabFrame(3)->isVisible());
-        QVERIFY(byTab);
+        QCOMPARE(m_log.opened.back(), std::make_pair(5, true));
         settle();
         QVERIFY(!m_main->instructionForm(3));
         QVERIFY(m_main->instructionForm(5));
@@ -548,10 +629,10 @@ private slots:
     {
         m_main->showProgressFrame(true);
         QVERIFY(m_main->ProgressFrame()->isVisible());
-        JobState::instance().UploadCancelled = false;
+        m_state.UploadCancelled = false;
         child<QPushButton>(QStringLiteral("CancelButton"))->click();
-        QVERIFY(JobState::instance().UploadCancelled);
-        QVERIFY(!JobState::instance().skipped());
+        QVERIFY(m_state.UploadCancelled);
+        QVERIFY(!m_state.skipped());
         m_main->showProgressFrame(false);
         QVERIFY(!m_main->ProgressFrame()->isVisible());
     }
@@ -698,7 +779,7 @@ private slots:
         m_main.reset();
         ClearTemporaryHome();
         int setupShown = 0;
-        m_main = std::make_unique<frmMain>();
+        m_main = makeWindow();
         m_main->setSetupPage([&setupShown] { ++setupShown; });
         auto seen = answerMessageBox(QMessageBox::Yes);
         m_main->Load();
@@ -738,7 +819,7 @@ private slots:
 
         // The Configuration page is what sets entry; started again, nothing is asked.
         SaveSetting(QStringLiteral("entry"), QStringLiteral("5"));
-        m_main = std::make_unique<frmMain>();
+        m_main = makeWindow();
         m_main->setSetupPage([&setupShown] { ++setupShown; });
         auto again = answerMessageBox(QMessageBox::No, 300);
         m_main->Load();
@@ -764,7 +845,7 @@ private slots:
         file.close();
 
         Answerer answers;
-        m_main = std::make_unique<frmMain>();
+        m_main = makeWindow();
         m_main->Load();
         m_main->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_main.get()));
@@ -787,7 +868,7 @@ private slots:
         QTemporaryDir parent;
         Folders::SetProgramFolder(parent.filePath(QStringLiteral("gone")));
         Answerer answers;
-        m_main = std::make_unique<frmMain>();
+        m_main = makeWindow();
         m_main->Load();
         Folders::SetProgramFolder(QStringLiteral(TARNWICK_STAGED_DATA_DIR));
         m_main->show();
@@ -892,10 +973,9 @@ private slots:
             QVERIFY(file.open(QIODevice::WriteOnly));
             file.write("x");
         }
-        int hooks = 0;
-        m_main->addCleanupHook([&hooks] { ++hooks; });
+        const int before = m_log.cleanups;
         m_main->DoCleanup();
-        QCOMPARE(hooks, 1);
+        QCOMPARE(m_log.cleanups, before + 1);
         QVERIFY(!QFile::exists(home + QStringLiteral("Sml_a.jpg")));
         QVERIFY(!QFile::exists(home + QStringLiteral("Lrg_b.JPG")));
         QVERIFY(!QFile::exists(home + QStringLiteral("c.gif")));
@@ -904,9 +984,9 @@ private slots:
         QVERIFY(QFile::exists(home + QStringLiteral("e.htm")));
         // Opening the photo function cleans up as well.
         child<QPushButton>(QStringLiteral("FunctionSelectButton_0"))->click();
-        QCOMPARE(hooks, 2);
+        QCOMPARE(m_log.cleanups, before + 2);
         child<QPushButton>(QStringLiteral("FunctionSelectButton_1"))->click();
-        QCOMPARE(hooks, 2);
+        QCOMPARE(m_log.cleanups, before + 2);
     }
 
     void helpContextFollowsTheScreen()
@@ -919,29 +999,31 @@ private slots:
 
         child<QPushButton>(QStringLiteral("FunctionSelectButton_5"))->click();
         QCOMPARE(m_main->helpContext(), 17);
-        auto *advanced = new QFrame(m_main->TabFrame(5));
-        advanced->setObjectName(QStringLiteral("AdvanceSettingFrame"));
-        m_main->TabFrame(5)->layout()->addWidget(advanced);
-        advanced->show();
-        QCOMPARE(m_main->helpContext(), 18);
-        advanced->hide();
+        // What the function says of the screen comes first.
+        QWidget *content5 = child<QWidget>(QStringLiteral("TestContent_5"));
+        auto *extra = new QFrame(content5);
+        extra->setObjectName(QStringLiteral("ExtraFrame"));
+        content5->layout()->addWidget(extra);
+        extra->show();
+        QCOMPARE(m_main->helpContext(), 105);
+        extra->hide();
         QCOMPARE(m_main->helpContext(), 17);
 
         child<QPushButton>(QStringLiteral("FunctionSelectButton_0"))->click();
         QCOMPARE(m_main->helpContext(), 6);
-        auto *strip = new QTabBar(m_main->TabFrame(0));
+        QWidget *content0 = child<QWidget>(QStringLiteral("TestContent_0"));
+        auto *strip = new QTabBar(content0);
         strip->setObjectName(QStringLiteral("TabStrip2"));
         for (int i = 0; i < 4; ++i)
             strip->addTab(QStringLiteral("Tab %1").arg(i));
-        m_main->TabFrame(0)->layout()->addWidget(strip);
+        content0->layout()->addWidget(strip);
         strip->setCurrentIndex(1);
         QCOMPARE(m_main->helpContext(), 4);
         strip->setCurrentIndex(3);
         QCOMPARE(m_main->helpContext(), 6);
 
-        m_main->setHelpContextProvider(1, [] { return 7; });
         child<QPushButton>(QStringLiteral("FunctionSelectButton_1"))->click();
-        QCOMPARE(m_main->helpContext(), 7);
+        QCOMPARE(m_main->helpContext(), 8);
 
         m_main->hide();
         QCOMPARE(m_main->helpContext(), 1);

@@ -40,9 +40,8 @@ private slots:
         const QString arrived = server.localPath(QStringLiteral("/big.bin"));
 
         SaveSetting(QStringLiteral("entry"), QStringLiteral("5"));
-        JobState &state = JobState::instance();
-        state.reset();
-        frmMain window;
+        JobState state;
+        frmMain window(state);
         window.Load();
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));

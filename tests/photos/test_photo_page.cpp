@@ -49,7 +49,7 @@ QString buildPage(const QString &workFolder, PhotoPage &page, const QString &tit
     TemplateState state;
     state.PageTitle = title;
     state.PageGroupInfo = intro;
-    state.photoPage = &page;
+    state.photoInfo = [&page](const QString &entry) { return PhotoInfoOf(page, entry); };
     state.File3 = ListPictureFiles(workFolder);
     QString html;
     QTextStream out(&html);

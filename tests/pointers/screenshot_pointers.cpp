@@ -39,7 +39,7 @@ int main(int argc, char *argv[])
 
     ScriptedUi ui;
     JobState state;
-    CurrentPointer() = QStringLiteral("http://www.example.com/Photos/Trip_to_NY/Photos.htm");
+    state.CurrentPointer = QStringLiteral("http://www.example.com/Photos/Trip_to_NY/Photos.htm");
     {
         frmAction action(ui, state);
         ok &= save(action, folder, QStringLiteral("frmAction.png"));

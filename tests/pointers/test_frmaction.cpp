@@ -41,6 +41,8 @@ const QString LongWarning = QStringLiteral(
 class TestFrmAction : public QObject
 {
     Q_OBJECT
+    JobState m_state;
+
 private:
     template <typename T> static T *child(QWidget &form, const char *name)
     {
@@ -57,14 +59,14 @@ private:
 private slots:
     void init()
     {
-        CurrentPointer().clear();
-        SetTakeActionHandler({});
+        m_state.reset();
+        m_state.ShowTakeAction = {};
     }
 
     void captions()
     {
         ScriptedUi ui;
-        JobState state;
+        JobState &state = m_state;
         frmAction form(ui, state);
         QCOMPARE(form.windowTitle(), QStringLiteral("Take an action..."));
         QCOMPARE(child<QPushButton>(form, "CopyPointerToClipButton")->text(),
@@ -178,9 +180,9 @@ private slots:
         QFETCH(QString, body);
         QFETCH(QString, pointer);
         QFETCH(QString, url);
-        CurrentPointer() = pointer;
+        m_state.CurrentPointer = pointer;
         ScriptedUi ui;
-        JobState state;
+        JobState &state = m_state;
         frmAction form(ui, state);
         form.show();
         child<QLineEdit>(form, "txtSubject")->setText(subject);
@@ -189,7 +191,7 @@ private slots:
         QCOMPARE(ui.openedUrls.size(), 1);
         QCOMPARE(ui.openedUrls.first().toString(QUrl::FullyEncoded), url);
         QVERIFY(ui.messages.isEmpty());
-        QVERIFY(CurrentPointer().contains(QStringLiteral("http://")));
+        QVERIFY(m_state.CurrentPointer.contains(QStringLiteral("http://")));
     }
 
     void sendEmailWarnings_data()
@@ -211,9 +213,9 @@ private slots:
     {
         QFETCH(QString, pointer);
         QFETCH(QStringList, warnings);
-        CurrentPointer() = pointer;
+        m_state.CurrentPointer = pointer;
         OrderUi ui;
-        JobState state;
+        JobState &state = m_state;
         frmAction form(ui, state);
         click(form, "SendEmail");
         QStringList shown;
@@ -248,9 +250,9 @@ private slots:
         QFETCH(QString, pointer);
         QFETCH(QString, answer);
         QFETCH(QString, fragment);
-        CurrentPointer() = pointer;
+        m_state.CurrentPointer = pointer;
         ScriptedUi ui;
-        JobState state;
+        JobState &state = m_state;
         ui.answerPrompt(answer);
         frmAction form(ui, state);
         form.show();
@@ -273,8 +275,8 @@ private slots:
                 fragment + QStringLiteral("<!--EndFragment --></FONT></BODY></HTML>"));
         QVERIFY(
             fragment.contains(QStringLiteral("\"") + ui.clipboard->text() + QStringLiteral("\"")));
-        QVERIFY(CurrentPointer().startsWith(QStringLiteral("http://")) ||
-                CurrentPointer().startsWith(QLatin1Char('/')));
+        QVERIFY(m_state.CurrentPointer.startsWith(QStringLiteral("http://")) ||
+                m_state.CurrentPointer.startsWith(QLatin1Char('/')));
         const QByteArray entry = ui.clipboard->data(GetHTMLFormat());
         QVERIFY(entry.startsWith("Version:1.0\r\nStartHTML:0000000105\r\n"));
 
@@ -289,11 +291,11 @@ private slots:
 
     void comesBackToTheFrontAfterTheNotice()
     {
-        CurrentPointer() = QStringLiteral("http://site/a");
+        m_state.CurrentPointer = QStringLiteral("http://site/a");
         QWidget owner;
         owner.show();
         ScriptedUi ui;
-        JobState state;
+        JobState &state = m_state;
         ui.answerPrompt(QStringLiteral("Look"));
         frmAction form(ui, state, &owner);
         form.show();
@@ -319,9 +321,9 @@ private slots:
     {
         QFETCH(bool, skip);
         QFETCH(QString, answer);
-        CurrentPointer() = QStringLiteral("site/a");
+        m_state.CurrentPointer = QStringLiteral("site/a");
         ScriptedUi ui;
-        JobState state;
+        JobState &state = m_state;
         if (!skip)
             ui.answerPrompt(answer);
         frmAction form(ui, state);
@@ -329,7 +331,7 @@ private slots:
         QCOMPARE(ui.prompts.size(), 1);
         QVERIFY(!ui.clipboard);
         QVERIFY(ui.messages.isEmpty());
-        QCOMPARE(CurrentPointer(), QStringLiteral("site/a"));
+        QCOMPARE(m_state.CurrentPointer, QStringLiteral("site/a"));
     }
 
     void view_data()
@@ -347,9 +349,9 @@ private slots:
     {
         QFETCH(QString, pointer);
         QFETCH(QString, url);
-        CurrentPointer() = pointer;
+        m_state.CurrentPointer = pointer;
         ScriptedUi ui;
-        JobState state;
+        JobState &state = m_state;
         frmAction form(ui, state);
         click(form, "ViewButton");
         QCOMPARE(ui.openedUrls.size(), 1);
@@ -359,9 +361,9 @@ private slots:
 
     void viewEmptyPointerDoesNothing()
     {
-        CurrentPointer() = QStringLiteral("   ");
+        m_state.CurrentPointer = QStringLiteral("   ");
         ScriptedUi ui;
-        JobState state;
+        JobState &state = m_state;
         frmAction form(ui, state);
         click(form, "ViewButton");
         QVERIFY(ui.openedUrls.isEmpty());
@@ -369,10 +371,10 @@ private slots:
 
     void nothingToOpenLeavesTheWindowUp()
     {
-        CurrentPointer() = QStringLiteral("http://site/a");
+        m_state.CurrentPointer = QStringLiteral("http://site/a");
         ScriptedUi ui;
         ui.openUrlResult = false;
-        JobState state;
+        JobState &state = m_state;
         frmAction form(ui, state);
         form.show();
         click(form, "ViewButton");
@@ -385,7 +387,7 @@ private slots:
     void bodyHoldsAtMost200()
     {
         ScriptedUi ui;
-        JobState state;
+        JobState &state = m_state;
         frmAction form(ui, state);
         form.show();
         auto *body = child<QPlainTextEdit>(form, "txtBody");
@@ -398,7 +400,7 @@ private slots:
     void helpButtonAndMenu()
     {
         ScriptedUi ui;
-        JobState state;
+        JobState &state = m_state;
         frmAction form(ui, state);
         int asked = 0;
         connect(&form, &frmAction::helpRequested, this, [&] { ++asked; });
@@ -420,9 +422,9 @@ private slots:
         QWidget owner;
         owner.show();
         int helpCalls = 0;
-        frmAction::Install(&owner, [&] { ++helpCalls; });
+        frmAction::Install(m_state, &owner, [&] { ++helpCalls; });
         ScriptedUi ui;
-        JobState state;
+        JobState &state = m_state;
         bool sawWindow = false;
         QTimer::singleShot(50, this, [&] {
             auto *window = owner.findChild<frmAction *>(QStringLiteral("frmAction"));
@@ -457,16 +459,16 @@ private slots:
         QCOMPARE(helpCalls, 1);
         QCOMPARE(ui.clipboard->text(), QStringLiteral("http://www.site.com/a.htm"));
         QTRY_VERIFY(owner.findChild<frmAction *>() == nullptr);
-        SetTakeActionHandler({});
+        m_state.ShowTakeAction = {};
     }
 
     void minimisingTheOwnerDoesNotEndTheWait()
     {
         QWidget owner;
         owner.show();
-        frmAction::Install(&owner, [] {});
+        frmAction::Install(m_state, &owner, [] {});
         ScriptedUi ui;
-        JobState state;
+        JobState &state = m_state;
         bool stillThere = false;
         QTimer::singleShot(50, this, [&] {
             auto *window = owner.findChild<frmAction *>();
@@ -484,7 +486,7 @@ private slots:
         CopyPointer(ui, state, QStringLiteral("www.site.com/a.htm"), QString(),
                     QStringLiteral("_"));
         QVERIFY(stillThere);
-        SetTakeActionHandler({});
+        m_state.ShowTakeAction = {};
     }
 };
 

@@ -11,12 +11,13 @@
 class TestHtmlMake : public QObject
 {
     Q_OBJECT
+    JobState m_state;
 private slots:
     void init()
     {
         ClearTemporaryHome();
-        CurrentPointer().clear();
-        SetTakeActionHandler({});
+        m_state.reset();
+        m_state.ShowTakeAction = {};
     }
 
     void removeFtpRoot_data()
@@ -125,21 +126,21 @@ private slots:
     {
         SaveSetting(QStringLiteral("FTPRoot"), QStringLiteral("public_html"));
         ScriptedUi ui;
-        JobState state;
+        JobState &state = m_state;
         QString seenPointer;
         int calls = 0;
-        SetTakeActionHandler([&](JobUi &, JobState &) {
+        m_state.ShowTakeAction = [&](JobUi &, JobState &) {
             ++calls;
-            seenPointer = CurrentPointer();
+            seenPointer = m_state.CurrentPointer;
             // The clipboard is already filled when the window comes up.
             QVERIFY(ui.clipboard);
-        });
+        };
         const QString result = CopyPointer(
             ui, state, QStringLiteral("www.site.com/public_html/Photos/My Trip/Photos.htm"),
             QString(), QStringLiteral("_"));
         const QString expected = QStringLiteral("http://www.site.com/Photos/My_Trip/Photos.htm");
         QCOMPARE(result, expected);
-        QCOMPARE(CurrentPointer(), expected);
+        QCOMPARE(m_state.CurrentPointer, expected);
         QCOMPARE(calls, 1);
         QCOMPARE(seenPointer, expected);
         QVERIFY(ui.clipboard);
@@ -150,11 +151,11 @@ private slots:
     void copyPointerWithoutWindowStillFillsClipboard()
     {
         ScriptedUi ui;
-        JobState state;
+        JobState &state = m_state;
         QCOMPARE(CopyPointer(ui, state, QString(), QStringLiteral("unused"), QStringLiteral("_")),
                  QStringLiteral("http://"));
         QCOMPARE(ui.clipboard->text(), QStringLiteral("http://"));
-        QCOMPARE(CurrentPointer(), QStringLiteral("http://"));
+        QCOMPARE(m_state.CurrentPointer, QStringLiteral("http://"));
     }
 
     void standardHeader()

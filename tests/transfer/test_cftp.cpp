@@ -47,6 +47,9 @@ QByteArray pattern(qint64 size)
 class TestCFtp : public QObject
 {
     Q_OBJECT
+    // The job-wide state of this test program, as the program makes one for its run.
+    JobState m_state;
+
 private:
     std::unique_ptr<FtpTestServer> m_server;
     QTemporaryDir m_local;
@@ -63,7 +66,7 @@ private slots:
         QVERIFY2(m_server->start(), qPrintable(m_server->errorString()));
     }
 
-    void init() { JobState::instance().reset(); }
+    void init() { m_state.reset(); }
 
     void serverField_data()
     {
@@ -118,7 +121,7 @@ private slots:
 
     void openConnectionLogsInAndStandsInLoginDirectory()
     {
-        cFTP ftp;
+        cFTP ftp(m_state);
         ftp.SetTransferBinary();
         ftp.SetModePassive();
         QVERIFY2(connect(ftp), qPrintable(ftp.GetLastErrorMessage()));
@@ -139,7 +142,7 @@ private slots:
 
     void wrongPasswordFailsAtConnect()
     {
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(!ftp.OpenConnection(m_server->server(), m_server->user(), QStringLiteral("wrong")));
         QVERIFY(!ftp.IsConnected());
         QCOMPARE(ftp.GetLastErrorMessage(),
@@ -150,7 +153,7 @@ private slots:
 
     void refusedConnectionNamesTheOperation()
     {
-        cFTP ftp;
+        cFTP ftp(m_state);
         // A port nobody listens on: the connect fails at once.
         QVERIFY(!ftp.OpenConnection(QStringLiteral("127.0.0.1:1"), QStringLiteral("u"),
                                     QStringLiteral("p")));
@@ -165,7 +168,7 @@ private slots:
 
     void callsWithoutConnectionFail()
     {
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(!ftp.DeleteFTPFile(QStringLiteral("x")));
         QVERIFY(ftp.GetLastErrorMessage().endsWith(QStringLiteral("error code: DeleteFTPFile")));
         QCOMPARE(ftp.GetFTPDirectory(), QString());
@@ -178,7 +181,7 @@ private slots:
 
     void closeConnectionTwiceIsHarmless()
     {
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(connect(ftp));
         ftp.CloseConnection();
         ftp.CloseConnection();
@@ -189,7 +192,7 @@ private slots:
 
     void directoriesAreMadeEnteredAndRemoved()
     {
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(connect(ftp));
         QVERIFY2(ftp.CreateFTPDirectory(QStringLiteral("Photos")),
                  qPrintable(ftp.GetLastErrorMessage()));
@@ -220,7 +223,7 @@ private slots:
 
     void deleteAndRename()
     {
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(connect(ftp));
         writeFile(m_server->localPath(QStringLiteral("old.txt")), "text");
         QVERIFY2(ftp.RenameFTPFile(QStringLiteral("old.txt"), QStringLiteral("new name.txt")),
@@ -249,7 +252,7 @@ private slots:
         writeFile(m_server->localPath(QStringLiteral("/list/-dash.htm")), "");
         QDir().mkpath(m_server->localPath(QStringLiteral("/list/sub dir")));
 
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(connect(ftp));
         QVERIFY(ftp.SetFTPDirectory(QStringLiteral("list")));
         const cDirList *list = ftp.GetDirectoryListing(QStringLiteral("*.*"));
@@ -282,7 +285,7 @@ private slots:
     void emptyDirectoryGivesEmptyListAndNoError()
     {
         QDir().mkpath(m_server->localPath(QStringLiteral("/empty")));
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(connect(ftp));
         // A listing of the root first, so that the empty one must replace it.
         QVERIFY(ftp.GetDirectoryListing(QStringLiteral("*.*")));
@@ -317,7 +320,7 @@ private slots:
         const QByteArray content = pattern(length);
         const QString local = m_local.filePath(QStringLiteral("up.bin"));
         writeFile(local, content);
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(connect(ftp));
         ftp.SetTransferBinary();
         QSignalSpy spy(&ftp, &cFTP::FileTransferProgress);
@@ -334,7 +337,7 @@ private slots:
 
     void blockTransfersRefuseEmptyPaths()
     {
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(connect(ftp));
         const QString before = ftp.GetLastErrorMessage();
         QVERIFY(!ftp.FTPUploadFile(QStringLiteral("  "), QStringLiteral("x")));
@@ -350,7 +353,7 @@ private slots:
         const QString local = m_local.filePath(QStringLiteral("down.bin"));
         writeFile(local, QByteArray(5000, 'x')); // a longer old copy is replaced whole
 
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(connect(ftp));
         ftp.SetTransferBinary();
         QSignalSpy progress(&ftp, &cFTP::FileTransferProgress);
@@ -379,7 +382,7 @@ private slots:
         const QByteArray text("line one\r\nline two\r\n");
         const QString local = m_local.filePath(QStringLiteral("simple.txt"));
         writeFile(local, text);
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(connect(ftp));
         QVERIFY(ftp.CreateFTPDirectory(QStringLiteral("simple")));
         ftp.SetTransferBinary();
@@ -410,7 +413,7 @@ private slots:
     void oneLoginServesManyCalls()
     {
         const int before = m_server->countCommands(QStringLiteral("USER"));
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(connect(ftp));
         for (int i = 0; i < 10; ++i) {
             QVERIFY(!ftp.GetFTPDirectory().isEmpty());
@@ -519,7 +522,7 @@ private slots:
     {
         WriteTestFile2(m_server->localPath(QStringLiteral("/deep/er/one.htm")), "1");
         WriteTestFile2(m_server->localPath(QStringLiteral("/deep/er/two.jpg")), "22");
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(connect(ftp));
         const cDirList *list = ftp.GetDirectoryListing(QStringLiteral("deep/er/*.htm"));
         QVERIFY2(list, qPrintable(ftp.GetLastErrorMessage()));
@@ -581,7 +584,7 @@ private slots:
         options.faults = {QStringLiteral("greet-421")};
         FtpTestServer busy(options);
         QVERIFY2(busy.start(), qPrintable(busy.errorString()));
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(!ftp.OpenConnection(busy.server(), busy.user(), busy.password()));
         QCOMPARE(ftp.GetLastErrorMessage(),
                  QStringLiteral("Request to connect to and login to an FTP server failed. "
@@ -595,7 +598,7 @@ private slots:
         FtpTestServer server(options);
         QVERIFY2(server.start(), qPrintable(server.errorString()));
         QVERIFY(QDir().mkpath(server.localPath(QStringLiteral("/idle"))));
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(ftp.OpenConnection(server.server(), server.user(), server.password()));
         QVERIFY(!ftp.SetFTPDirectory(QStringLiteral("/idle")));
         // The server's own words, not "failed to login": the name and password were fine.
@@ -623,7 +626,7 @@ private slots:
         QVERIFY2(dos.start(), qPrintable(dos.errorString()));
         writeFile(dos.localPath(QStringLiteral("index.htm")), "<html>");
         QDir().mkpath(dos.localPath(QStringLiteral("public html")));
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(ftp.OpenConnection(dos.server(), dos.user(), dos.password()));
         const cDirList *list = ftp.GetDirectoryListing(QStringLiteral("*.*"));
         QVERIFY2(list, qPrintable(ftp.GetLastErrorMessage()));
@@ -639,7 +642,7 @@ private slots:
         FtpTestServer faulty(options);
         QVERIFY2(faulty.start(), qPrintable(faulty.errorString()));
         writeFile(faulty.localPath(QStringLiteral("keep.txt")), "x");
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(ftp.OpenConnection(faulty.server(), faulty.user(), faulty.password()));
         QVERIFY(!ftp.DeleteFTPFile(QStringLiteral("keep.txt")));
         QCOMPARE(ftp.GetLastErrorMessage(), QStringLiteral("550 Permission denied."));
@@ -657,7 +660,7 @@ private slots:
         options.faults = {QStringLiteral("refuse-login")};
         FtpTestServer refusing(options);
         QVERIFY2(refusing.start(), qPrintable(refusing.errorString()));
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(!ftp.OpenConnection(refusing.server(), refusing.user(), refusing.password()));
         QVERIFY(ftp.GetLastErrorMessage().contains(QStringLiteral("12014")));
     }
@@ -668,14 +671,14 @@ private slots:
         options.faults = {QStringLiteral("silent")};
         FtpTestServer silent(options);
         QVERIFY2(silent.start(), qPrintable(silent.errorString()));
-        cFTP ftp;
+        cFTP ftp(m_state);
         QElapsedTimer clock;
         clock.start();
         int ticks = 0;
         QTimer ticker;
         QObject::connect(&ticker, &QTimer::timeout, [&] { ++ticks; });
         ticker.start(50);
-        QTimer::singleShot(600, [] { JobState::instance().UploadCancelled = true; });
+        QTimer::singleShot(600, this, [this] { m_state.UploadCancelled = true; });
         QVERIFY(!ftp.OpenConnection(silent.server(), QStringLiteral("u"), QStringLiteral("p")));
         QVERIFY2(clock.elapsed() < 2000, qPrintable(QString::number(clock.elapsed())));
         // The event loop was served throughout the wait.
@@ -685,16 +688,16 @@ private slots:
 
     void cancelledBeforeTheCallDoesNotStopIt()
     {
-        JobState::instance().UploadCancelled = true;
-        JobState::instance().UserResponse = JobState::Skip;
-        cFTP ftp;
+        m_state.UploadCancelled = true;
+        m_state.UserResponse = JobState::Skip;
+        cFTP ftp(m_state);
         QVERIFY(connect(ftp));
         QCOMPARE(ftp.GetFTPDirectory(), QStringLiteral("/"));
     }
 
     void nestedCallIsRefused()
     {
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(connect(ftp));
         const QString local = m_local.filePath(QStringLiteral("nested.bin"));
         writeFile(local, pattern(255 * 40));

@@ -26,12 +26,14 @@ void answerQuestion(QMessageBox::StandardButton button, QString *asked)
 class TestDlgFtp : public QObject
 {
     Q_OBJECT
+    // The job-wide state of this test program, as the program makes one for its run.
+    JobState m_state;
 private slots:
-    void init() { JobState::instance().reset(); }
+    void init() { m_state.reset(); }
 
     void controlsCarryTheirNames()
     {
-        dlgFTP dialog(JobState::instance());
+        dlgFTP dialog(m_state);
         QVERIFY(dialog.findChild<FloodBar *>(QStringLiteral("picFlood")));
         QVERIFY(dialog.findChild<QWidget *>(QStringLiteral("Image1")));
         QCOMPARE(dialog.findChild<QPushButton *>(QStringLiteral("Command1"))->text(),
@@ -58,7 +60,7 @@ private slots:
         QFETCH(double, total);
         QFETCH(double, value);
         QFETCH(QString, text);
-        dlgFTP dialog(JobState::instance());
+        dlgFTP dialog(m_state);
         dialog.FloodFillInit(total, QStringLiteral("Uploading a b.jpg"));
         dialog.FloodFillUpdate(value);
         QCOMPARE(dialog.flood()->text(), text);
@@ -66,7 +68,7 @@ private slots:
 
     void statusLineLastsUntilTheNextUpdate()
     {
-        dlgFTP dialog(JobState::instance());
+        dlgFTP dialog(m_state);
         dialog.FloodFillInit(100, QStringLiteral("Uploading x"));
         dialog.FloodFillUpdate(40);
         dialog.FloodShowStatus(QStringLiteral("Connected to 10.0.0.1"));
@@ -77,7 +79,7 @@ private slots:
 
     void barDrawsTheTextInTwoColoursAtItsEdge()
     {
-        dlgFTP dialog(JobState::instance());
+        dlgFTP dialog(m_state);
         dialog.show();
         dialog.FloodFillInit(100,
                              QStringLiteral("Uploading a very long name to cover the middle.jpg"));
@@ -115,7 +117,7 @@ private slots:
     void cancelAsksFirst()
     {
         QFETCH(bool, escape);
-        JobState &state = JobState::instance();
+        JobState &state = m_state;
         dlgFTP dialog(state);
         dialog.show();
         QVERIFY(QTest::qWaitForWindowExposed(&dialog));
@@ -147,7 +149,7 @@ private slots:
 
     void runInBackgroundToggles()
     {
-        JobState &state = JobState::instance();
+        JobState &state = m_state;
         dlgFTP dialog(state);
         auto *button = dialog.findChild<QPushButton *>(QStringLiteral("Command2"));
         button->click();

@@ -49,6 +49,9 @@ private:
 class TestTransferEngine : public QObject
 {
     Q_OBJECT
+    // The job-wide state of this test program, as the program makes one for its run.
+    JobState m_state;
+
 private:
     std::unique_ptr<FtpTestServer> m_server;
     QTemporaryDir m_local;
@@ -69,7 +72,7 @@ private slots:
         QVERIFY2(m_server->start(), qPrintable(m_server->errorString()));
     }
 
-    void init() { JobState::instance().reset(); }
+    void init() { m_state.reset(); }
 
     void statusTable_data()
     {
@@ -104,11 +107,11 @@ private slots:
         QFETCH(int, status);
         QFETCH(QVariant, data);
         QFETCH(QString, shown);
-        DialogTransferUi ui(JobState::instance());
+        DialogTransferUi ui(m_state);
         ui.ShowProgress();
         ui.FloodFillInit(1000, QStringLiteral("Uploading a.jpg"));
         ui.FloodFillUpdate(250);
-        TransferEngine engine(ui, JobState::instance());
+        TransferEngine engine(ui, m_state);
         engine.TransferStatusCallback(status, data);
         const QString expected =
             QStringLiteral("25% ") + (shown.isEmpty() ? QStringLiteral("Uploading a.jpg") : shown);
@@ -121,10 +124,10 @@ private slots:
 
     void byteCountsDrawOnlyInTheirMode()
     {
-        DialogTransferUi ui(JobState::instance());
+        DialogTransferUi ui(m_state);
         ui.ShowProgress();
         ui.FloodFillInit(1000, QStringLiteral("Uploading x"));
-        TransferEngine engine(ui, JobState::instance());
+        TransferEngine engine(ui, m_state);
         engine.TransferMode = TransferEngine::Idle;
         engine.TransferStatusCallback(30, 300);
         engine.TransferStatusCallback(41, 200);
@@ -177,9 +180,9 @@ private slots:
     {
         QFETCH(int, number);
         QFETCH(QString, text);
-        DialogTransferUi ui(JobState::instance());
+        DialogTransferUi ui(m_state);
         ui.setErrorAutoCloseMs(150);
-        TransferEngine engine(ui, JobState::instance());
+        TransferEngine engine(ui, m_state);
         QString shown;
         QString note;
         QTimer::singleShot(50, [&] {
@@ -200,9 +203,9 @@ private slots:
 
     void serverReplyIsTheTextOf12003()
     {
-        DialogTransferUi ui(JobState::instance());
+        DialogTransferUi ui(m_state);
         ui.setErrorAutoCloseMs(10);
-        TransferEngine engine(ui, JobState::instance());
+        TransferEngine engine(ui, m_state);
         QCOMPARE(engine.WininetErrorText(12003, QStringLiteral("552 Disk full.")),
                  QStringLiteral("552 Disk full."));
     }
@@ -237,10 +240,10 @@ private slots:
     {
         const QString local = m_local.filePath(QStringLiteral("words.txt"));
         WriteTestFile(local, "words");
-        DialogTransferUi real(JobState::instance());
+        DialogTransferUi real(m_state);
         real.ShowProgress();
         NotingTransferUi ui(real);
-        TransferEngine engine(ui, JobState::instance());
+        TransferEngine engine(ui, m_state);
         QVERIFY(engine.SessionUpload(m_server->server(), m_server->user(), m_server->password(),
                                      QStringLiteral("/"), local));
         const QString port = QString::number(m_server->port());
@@ -261,9 +264,9 @@ private slots:
         const QString local = m_local.filePath(QStringLiteral("Big_Picture.jpg"));
         WriteTestFile(local, content);
         QDir().mkpath(m_server->localPath(QStringLiteral("/Photos/Page")));
-        DialogTransferUi ui(JobState::instance());
+        DialogTransferUi ui(m_state);
         ui.ShowProgress();
-        TransferEngine engine(ui, JobState::instance());
+        TransferEngine engine(ui, m_state);
         QVERIFY(engine.SessionUpload(m_server->server(), m_server->user(), m_server->password(),
                                      QStringLiteral("/Photos/Page"), local));
         QCOMPARE(ReadTestFile(m_server->localPath(QStringLiteral("/Photos/Page/Big_Picture.jpg"))),
@@ -286,9 +289,9 @@ private slots:
         const QByteArray content = TestPattern(200 * 1024);
         WriteTestFile(m_server->localPath(QStringLiteral("/get/file name.bin")), content);
         const QString local = m_local.filePath(QStringLiteral("file name.bin"));
-        DialogTransferUi ui(JobState::instance());
+        DialogTransferUi ui(m_state);
         ui.ShowProgress();
-        TransferEngine engine(ui, JobState::instance());
+        TransferEngine engine(ui, m_state);
         QVERIFY(engine.SessionDownload(m_server->server(), m_server->user(), m_server->password(),
                                        QStringLiteral("/get/file name.bin"), local));
         QCOMPARE(ReadTestFile(local), content);
@@ -305,9 +308,9 @@ private slots:
     {
         const QString local = m_local.filePath(QStringLiteral("a.txt"));
         WriteTestFile(local, "a");
-        DialogTransferUi ui(JobState::instance());
+        DialogTransferUi ui(m_state);
         ui.setErrorAutoCloseMs(10);
-        TransferEngine engine(ui, JobState::instance());
+        TransferEngine engine(ui, m_state);
         bool formSeen = false;
         QTimer poll;
         QObject::connect(&poll, &QTimer::timeout, [&] { formSeen = formSeen || openErrorForm(); });
@@ -330,11 +333,11 @@ private slots:
         QVERIFY2(stalling.start(), qPrintable(stalling.errorString()));
         const QString local = m_local.filePath(QStringLiteral("stopped.bin"));
         WriteTestFile(local, TestPattern(16 * 1024 * 1024));
-        DialogTransferUi real(JobState::instance());
+        DialogTransferUi real(m_state);
         real.setErrorAutoCloseMs(50);
         real.ShowProgress();
         NotingTransferUi ui(real);
-        TransferEngine engine(ui, JobState::instance());
+        TransferEngine engine(ui, m_state);
         // Every distinct frmErrUpload that came up while the upload ran.
         int forms = 0;
         QPointer<frmErrUpload> lastForm;
@@ -351,8 +354,8 @@ private slots:
         QTimer::singleShot(800, &poll, [&] {
             cancelSent = true;
             // What dlgFTP's Cancel does once the user confirms.
-            JobState::instance().UserResponse = JobState::Skip;
-            JobState::instance().UploadCancelled = true;
+            m_state.UserResponse = JobState::Skip;
+            m_state.UploadCancelled = true;
         });
         QVERIFY(!engine.SessionUpload(stalling.server(), stalling.user(), stalling.password(),
                                       QStringLiteral("/"), local));
@@ -382,10 +385,10 @@ private slots:
         QVERIFY2(full.start(), qPrintable(full.errorString()));
         const QString local = m_local.filePath(QStringLiteral("b.txt"));
         WriteTestFile(local, "b");
-        DialogTransferUi ui(JobState::instance());
+        DialogTransferUi ui(m_state);
         ui.setErrorAutoCloseMs(50);
         ui.ShowProgress();
-        TransferEngine engine(ui, JobState::instance());
+        TransferEngine engine(ui, m_state);
         QString shown;
         QTimer poll;
         QObject::connect(&poll, &QTimer::timeout, [&] {

@@ -87,6 +87,9 @@ struct LoopWatch
 class TestUploadSteps : public QObject
 {
     Q_OBJECT
+    // The job-wide state of this test program, as the program makes one for its run.
+    JobState m_state;
+
 private:
     QTemporaryDir m_local;
 
@@ -97,10 +100,9 @@ private:
         TestTransferWindow window;
         DialogTransferUi progress;
         TransferContext context;
-        explicit Job(const FtpTestServer &server, int errorCloseMs = 30)
-            : window(ftp, server),
-              progress(JobState::instance()), context{ftp, ui, JobState::instance(), window,
-                                                      progress}
+        Job(JobState &state, const FtpTestServer &server, int errorCloseMs = 30)
+            : ftp(state), window(ftp, server),
+              progress(state), context{ftp, ui, state, window, progress}
         {
             progress.setErrorAutoCloseMs(errorCloseMs);
         }
@@ -134,7 +136,7 @@ private:
 private slots:
     void init()
     {
-        JobState::instance().reset();
+        m_state.reset();
         ClearTemporaryHome();
     }
 
@@ -144,7 +146,7 @@ private slots:
         QVERIFY2(server.start(), qPrintable(server.errorString()));
         WriteTestFile(server.localPath(QStringLiteral("/Send/report.txt")),
                       "old and longer content");
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
         QVERIFY(job.ftp.SetFTPDirectory(QStringLiteral("Send")));
         job.window.showUploadPath(QStringLiteral("/Send"));
@@ -156,7 +158,7 @@ private slots:
         QVERIFY(commands.indexOf(QStringLiteral("DELE report.txt")) <
                 commands.indexOf(QStringLiteral("STOR ") +
                                  TransferEngine::TemporaryName(QStringLiteral("report.txt"))));
-        QCOMPARE(LastUploadPath(), QStringLiteral("http://www.example.com/Send"));
+        QCOMPARE(m_state.LastUploadPath, QStringLiteral("http://www.example.com/Send"));
         QVERIFY(!job.progress.dialog());
     }
 
@@ -176,7 +178,7 @@ private slots:
         FtpTestServer server;
         QVERIFY2(server.start(), qPrintable(server.errorString()));
         QDir().mkpath(server.localPath(QStringLiteral("/a dir")));
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
         QVERIFY(job.ftp.SetFTPDirectory(QStringLiteral("a dir")));
         const QByteArray content = TestPattern(70000);
@@ -198,7 +200,7 @@ private slots:
         options.times = 1;
         FtpTestServer server(options);
         QVERIFY2(server.start(), qPrintable(server.errorString()));
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
         int forms = 0;
         QTimer poll;
@@ -220,14 +222,14 @@ private slots:
         FtpTestServer server(options);
         QVERIFY2(server.start(), qPrintable(server.errorString()));
         WriteTestFile(server.localPath(QStringLiteral("page.htm")), "old copy");
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
         QVERIFY(!UploadFileToFTP(job.context,
                                  localFile(QStringLiteral("page.htm"), TestPattern(1024 * 1024))));
         QCOMPARE(server.countCommands(QStringLiteral("STOR")), 3);
         // Neither a partial file under the name nor the old copy nor a temporary one is left.
         QCOMPARE(QDir(server.homePath()).entryList(QDir::Files), QStringList());
-        QVERIFY(!JobState::instance().skipped());
+        QVERIFY(!m_state.skipped());
     }
 
     void refusedStoreIsTriedThriceAndTheJobGoesOn_data()
@@ -248,7 +250,7 @@ private slots:
         options.faults = {fault};
         FtpTestServer server(options);
         QVERIFY2(server.start(), qPrintable(server.errorString()));
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
         QStringList texts;
         QTimer poll;
@@ -277,7 +279,7 @@ private slots:
     {
         FtpTestServer server;
         QVERIFY2(server.start(), qPrintable(server.errorString()));
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
         job.window.m_account.password = QStringLiteral("changed");
         int forms = 0;
@@ -296,7 +298,7 @@ private slots:
     {
         FtpTestServer server;
         QVERIFY2(server.start(), qPrintable(server.errorString()));
-        Job job(server);
+        Job job(m_state, server);
         job.window.m_account.password = QStringLiteral("wrong");
         QString failure;
         QCOMPARE(ConnectForJob(job.context, {}, &failure), JobConnection::Failed);
@@ -313,7 +315,7 @@ private slots:
         options.faults = {QStringLiteral("stall-after=300000")};
         FtpTestServer server(options);
         QVERIFY2(server.start(), qPrintable(server.errorString()));
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
         // Larger than what the connection's buffers hold, so the sender still waits on the
         // stalled server when the cancel comes.
@@ -338,8 +340,8 @@ private slots:
         // The window was served all along (the bound is loose for a busy test machine).
         QVERIFY2(watch.ticks > 20 && watch.longestGap < 500,
                  qPrintable(QString::number(watch.longestGap)));
-        QVERIFY(JobState::instance().skipped());
-        QVERIFY(JobState::instance().UploadCancelled);
+        QVERIFY(m_state.skipped());
+        QVERIFY(m_state.UploadCancelled);
         QCOMPARE(server.countCommands(QStringLiteral("STOR")), 1);
         QVERIFY(!QFileInfo::exists(server.localPath(QStringLiteral("first.bin"))));
         QVERIFY(!QFileInfo::exists(server.localPath(QStringLiteral("second.txt"))));
@@ -360,13 +362,13 @@ private slots:
         options.faults = {QStringLiteral("stall-after=100000")};
         FtpTestServer server(options);
         QVERIFY2(server.start(), qPrintable(server.errorString()));
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
         QElapsedTimer sinceCancel;
         QObject scope;
         QTimer::singleShot(600, &scope, [&] {
             sinceCancel.start();
-            JobState::instance().UploadCancelled = true;
+            m_state.UploadCancelled = true;
         });
         QVERIFY(!UploadFileToFTP(
             job.context, localFile(QStringLiteral("stall.bin"), TestPattern(2 * 1024 * 1024))));
@@ -383,7 +385,7 @@ private slots:
         options.times = 2;
         FtpTestServer server(options);
         QVERIFY2(server.start(), qPrintable(server.errorString()));
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
         const QStringList files = {
             localFile(QStringLiteral("first.txt"), "1"),
@@ -396,14 +398,14 @@ private slots:
                 return;
             sinceCancel.start();
             // What the progress frame's CancelButton does.
-            JobState::instance().UploadCancelled = true;
+            m_state.UploadCancelled = true;
         });
         poll.start(200);
         QVERIFY(!SendJobFiles(job.context, files));
         poll.stop();
         QVERIFY(sinceCancel.isValid());
         QVERIFY2(sinceCancel.elapsed() < 3000, qPrintable(QString::number(sinceCancel.elapsed())));
-        QVERIFY(!JobState::instance().skipped());
+        QVERIFY(!m_state.skipped());
         QCOMPARE(job.ui.stepTexts.last(), QStringLiteral("Currently loading section 2 of 3"));
         QCOMPARE(server.countCommands(QStringLiteral("STOR")), 2);
         QVERIFY(!server.commands().contains(
@@ -421,7 +423,7 @@ private slots:
         FtpTestServer server(options);
         QVERIFY2(server.start(), qPrintable(server.errorString()));
         WriteTestFile(server.localPath(QStringLiteral("/Send/page.htm")), "old copy");
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
         QVERIFY(job.ftp.SetFTPDirectory(QStringLiteral("Send")));
         int forms = 0;
@@ -450,7 +452,7 @@ private slots:
         options.faults = {QStringLiteral("stor-550")};
         FtpTestServer server(options);
         QVERIFY2(server.start(), qPrintable(server.errorString()));
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
         QVERIFY(!UploadFileToFTP(job.context, localFile(QStringLiteral("refused.txt"), "r")));
         // The tidying deleted the temporary copy through the session after the failure.
@@ -467,7 +469,7 @@ private slots:
         FtpTestServer server(options);
         QVERIFY2(server.start(), qPrintable(server.errorString()));
         WriteTestFile(server.localPath(QStringLiteral("big.bin")), TestPattern(4 * 1024 * 1024));
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
         const QString local = m_local.filePath(QStringLiteral("fetched.bin"));
         QFile::remove(local);
@@ -499,7 +501,7 @@ private slots:
         QVERIFY2(sinceCancel.elapsed() < 2000, qPrintable(QString::number(sinceCancel.elapsed())));
         QVERIFY2(watch.ticks > 20 && watch.longestGap < 500,
                  qPrintable(QString::number(watch.longestGap)));
-        QVERIFY(JobState::instance().skipped());
+        QVERIFY(m_state.skipped());
         // One attempt only, and no partial local file.
         QCOMPARE(server.countCommands(QStringLiteral("RETR")), 1);
         QVERIFY(!QFileInfo::exists(local));
@@ -510,9 +512,9 @@ private slots:
     {
         FtpTestServer server;
         QVERIFY2(server.start(), qPrintable(server.errorString()));
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
-        JobState::instance().BackgroundRequested = true;
+        m_state.BackgroundRequested = true;
         // Sees, at every status word of the transfer, whether the dialog is loaded and shown.
         class Watching final : public TransferUi
         {
@@ -557,19 +559,19 @@ private slots:
         QVERIFY(watching.seenLoaded);
         QVERIFY(!job.progress.dialog());
         // The toggle on the dialog itself.
-        JobState::instance().BackgroundRequested = false;
-        dlgFTP dialog(JobState::instance());
+        m_state.BackgroundRequested = false;
+        dlgFTP dialog(m_state);
         dialog.findChild<QPushButton *>(QStringLiteral("Command2"))->click();
-        QVERIFY(JobState::instance().BackgroundRequested);
+        QVERIFY(m_state.BackgroundRequested);
         dialog.findChild<QPushButton *>(QStringLiteral("Command2"))->click();
-        QVERIFY(!JobState::instance().BackgroundRequested);
+        QVERIFY(!m_state.BackgroundRequested);
     }
 
     void windowStaysLiveDuringALargeTransfer()
     {
         FtpTestServer server;
         QVERIFY2(server.start(), qPrintable(server.errorString()));
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
         const qint64 size = 192LL * 1024 * 1024;
         const QString local = m_local.filePath(QStringLiteral("large.bin"));
@@ -610,7 +612,7 @@ private slots:
         options.faults = {QStringLiteral("stor-550")};
         FtpTestServer server(options);
         QVERIFY2(server.start(), qPrintable(server.errorString()));
-        Job job(server, 5000);
+        Job job(m_state, server, 5000);
         QVERIFY(job.connect(server));
         QElapsedTimer clock;
         clock.start();
@@ -643,7 +645,7 @@ private slots:
         FtpTestServer server;
         QVERIFY2(server.start(), qPrintable(server.errorString()));
         QDir().mkpath(server.localPath(directory));
-        cFTP ftp;
+        cFTP ftp(m_state);
         QVERIFY(ftp.OpenConnection(server.server(), server.user(), server.password()));
         QVERIFY(ftp.SetFTPDirectory(directory));
         QCOMPARE(verifyUploadPath(ftp, expected), result);
@@ -657,7 +659,7 @@ private slots:
         QVERIFY2(server.start(), qPrintable(server.errorString()));
         QDir().mkpath(server.localPath(QStringLiteral("/Photos")));
         WriteTestFile(server.localPath(QStringLiteral("/Plain")), "a file");
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
         job.window.ReloadFTPList();
         QVERIFY(CheckFTPDir(job.context, QStringLiteral("Photos")));
@@ -686,7 +688,7 @@ private slots:
         options.permissions = QStringLiteral("elr");
         FtpTestServer server(options);
         QVERIFY2(server.start(), qPrintable(server.errorString()));
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
         job.window.ReloadFTPList();
         QVERIFY(!CheckFTPDir(job.context, QStringLiteral("Photos")));
@@ -703,7 +705,7 @@ private slots:
         FtpTestServer server;
         QVERIFY2(server.start(), qPrintable(server.errorString()));
         QDir().mkpath(server.localPath(QStringLiteral("/public_html")));
-        Job job(server);
+        Job job(m_state, server);
 
         QCOMPARE(ConnectForJob(job.context, {true, QString(), QString()}),
                  JobConnection::StayLocal);
@@ -760,9 +762,9 @@ private slots:
     {
         FtpTestServer server;
         QVERIFY2(server.start(), qPrintable(server.errorString()));
-        Job job(server);
+        Job job(m_state, server);
         QVERIFY(job.connect(server));
-        JobState::instance().BackgroundRequested = true;
+        m_state.BackgroundRequested = true;
         const QString local = localFile(QStringLiteral("small.txt"), TestPattern(2000));
         // A first round settles lazily made things (fonts, the library's caches).
         for (int i = 0; i < 20; ++i)

@@ -45,7 +45,8 @@ int main(int argc, char *argv[])
 
     SaveSetting(QStringLiteral("entry"), QStringLiteral("5"));
     SaveSetting(QStringLiteral("WebPage"), QStringLiteral("http://www.example.org"));
-    frmMain window;
+    JobState state;
+    frmMain window(state);
     InstallPhotoFrame(window);
     window.Load();
     window.setGeometry(QGuiApplication::primaryScreen()->availableGeometry());
@@ -80,7 +81,7 @@ int main(int argc, char *argv[])
             box->findChild<QPushButton *>(QStringLiteral("InputBoxOK"))->click();
         }
     });
-    AskUser(window.jobUi(), JobState::instance(),
+    AskUser(window.jobUi(), state,
             QStringLiteral("Enter a title for this photo page. It is shown at the top of the "
                            "page."),
             QStringLiteral("Summer at the lake"), QStringLiteral("True"));

@@ -33,15 +33,16 @@
 const QColor frmMain::RingGreen = QColor(0x00, 0xFF, 0x00);
 const QColor frmMain::RingYellow = QColor(0xFF, 0xFF, 0x00);
 
-namespace {
+QString frmMain::FunctionName(int index)
+{
+    static const char *const Names[FunctionCount] = {
+        "Send a Photo Page", "Backup Files ",  "Send a File",
+        "Build a Web Log",   "Build a Portal", "FTP Control && Settings"};
+    return index >= 0 && index < FunctionCount ? QString::fromLatin1(Names[index]) : QString();
+}
 
-const char *const FunctionNames[frmMain::FunctionCount] = {
-    "Send a Photo Page", "Backup Files ",  "Send a File",
-    "Build a Web Log",   "Build a Portal", "FTP Control && Settings"};
-
-} // namespace
-
-frmMain::frmMain(QWidget *parent) : QMainWindow(parent), m_jobUi(std::make_unique<GuiJobUi>(*this))
+frmMain::frmMain(JobState &state, QWidget *parent)
+    : QMainWindow(parent), m_state(state), m_jobUi(std::make_unique<GuiJobUi>(*this))
 {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("Tarnwick"));
@@ -68,8 +69,10 @@ frmMain::frmMain(QWidget *parent) : QMainWindow(parent), m_jobUi(std::make_uniqu
     m_tabStrip->setObjectName(QStringLiteral("TabStrip1"));
     m_tabStrip->setExpanding(false);
     m_tabStrip->setDrawBase(false);
-    for (const char *name : FunctionNames)
-        m_tabStrip->addTab(QString::fromLatin1(name).trimmed());
+    for (int i = 0; i < FunctionCount; ++i) {
+        m_tabStrip->addTab(FunctionName(i).trimmed());
+        m_tabStrip->setTabEnabled(i, false); // until the function joins
+    }
     // A tab chosen by mouse or keyboard opens its function; choosing the tab for a function
     // button does not count twice.
     connect(m_tabStrip, &QTabBar::currentChanged, this, [this] {
@@ -190,7 +193,7 @@ QWidget *frmMain::buildProgressFrame()
     // The transfer's progress callback sees the flag and stops the file in flight; the job
     // stops at its next check.
     connect(m_cancelButton, &QPushButton::clicked, this,
-            [] { JobState::instance().UploadCancelled = true; });
+            [this] { m_state.UploadCancelled = true; });
 
     auto *cardLayout = new QVBoxLayout(card);
     cardLayout->setContentsMargins(24, 20, 24, 20);
@@ -280,8 +283,10 @@ void frmMain::buildMenus()
     QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
     file->setObjectName(QStringLiteral("FileMenu"));
     for (int i = 0; i < FunctionCount; ++i) {
-        QAction *action = file->addAction(QString::fromLatin1(FunctionNames[i]).trimmed());
+        QAction *action = file->addAction(FunctionName(i).trimmed());
         action->setObjectName(QStringLiteral("TabMenu_%1").arg(i));
+        action->setEnabled(false); // until the function joins
+        m_tabMenus[static_cast<size_t>(i)] = action;
         action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + i)));
         connect(action, &QAction::triggered, this, [this, i] { FunctionSelectButton_Click(i); });
     }
@@ -326,6 +331,7 @@ void frmMain::buildMenus()
     });
 
     QMenu *help = menuBar()->addMenu(QStringLiteral("&Help"));
+    m_helpMenu = help;
     help->setObjectName(QStringLiteral("HelpMenuBar"));
     QAction *helpMenu = help->addAction(QStringLiteral("Tarnwick &Help"));
     helpMenu->setObjectName(QStringLiteral("HelpMenu"));
@@ -334,9 +340,12 @@ void frmMain::buildMenus()
     connect(helpMenu, &QAction::triggered, this, &frmMain::HelpButton_Click);
     help->addSeparator();
     for (int i = 0; i < FunctionCount; ++i) {
-        QAction *action = help->addAction(InstructionForm::menuText(i));
+        // Named by the function's page when it joins.
+        QAction *action = help->addAction(QString());
         action->setObjectName(QStringLiteral("InstrMenu_%1").arg(i));
+        action->setVisible(false);
         connect(action, &QAction::triggered, this, [this, i] { showInstructionForm(i); });
+        m_instrMenus[static_cast<size_t>(i)] = action;
     }
     help->addSeparator();
     QAction *about = help->addAction(QStringLiteral("&About Tarnwick"));
@@ -404,21 +413,6 @@ void frmMain::setCloseHook(std::function<void()> hook)
     m_closeHook = std::move(hook);
 }
 
-void frmMain::addCleanupHook(std::function<void()> hook)
-{
-    m_cleanupHooks.push_back(std::move(hook));
-}
-
-void frmMain::addLoadHook(std::function<void()> hook)
-{
-    m_loadHooks.push_back(std::move(hook));
-}
-
-void frmMain::addFunctionOpenedHook(std::function<void(int, bool)> hook)
-{
-    m_functionHooks.push_back(std::move(hook));
-}
-
 void frmMain::setSetupPage(std::function<void()> page)
 {
     m_setupPage = std::move(page);
@@ -432,10 +426,14 @@ void frmMain::setSpellChecker(std::function<QString(const QString &)> checker)
     updateSpellingEntries();
 }
 
-void frmMain::setHelpContextProvider(int tab, std::function<int()> provider)
+void frmMain::setPictureEditor(std::function<bool(const QString &)> editor)
 {
-    if (tab >= 0 && tab < FunctionCount)
-        m_helpProviders[static_cast<size_t>(tab)] = std::move(provider);
+    m_pictureEditor = std::move(editor);
+}
+
+bool frmMain::editPicture(const QString &path)
+{
+    return m_pictureEditor && m_pictureEditor(path);
 }
 
 bool frmMain::eventFilter(QObject *watched, QEvent *event)

@@ -2,6 +2,7 @@
 
 #include "DefaultData.h"
 #include "SettingsKeys.h"
+#include "ShellFunction.h"
 
 #include <QColor>
 #include <QMainWindow>
@@ -29,6 +30,7 @@ class HelpWindow;
 class InstructionForm;
 class StepRing;
 class frmInputBox;
+struct JobState;
 
 // Values that Load reads from the settings store into the window's module variables. Function
 // subsystems read them when they fill their frames; the store stays the place they write to.
@@ -47,9 +49,11 @@ struct StartupValues
 };
 
 // The application shell: the start screen with the six functions, the six work frames, the
-// shared progress frame, the step rings, the menus and the four timers. Construction builds the
-// widgets only; Load() runs the start-up sequence (it may show dialogs and run the event loop),
-// so that function subsystems can attach their hooks between the two.
+// shared progress frame, the step rings, the menus and the four timers. It knows no function:
+// each joins it through addFunction (its frame, instruction page, rings, help and menu entries)
+// and through the few services below. Construction builds the widgets only; Load() runs the
+// start-up sequence (it may show dialogs and run the event loop), so that the functions join
+// between the two. A function that has not joined has its button, tab and menu entries disabled.
 class frmMain final : public QMainWindow
 {
     Q_OBJECT
@@ -57,8 +61,20 @@ public:
     static constexpr int FunctionCount = 6;
     static constexpr int RingCount = 27;
 
-    explicit frmMain(QWidget *parent = nullptr);
+    // state is the job-wide state that the window's CancelButton and prompts work on; it must
+    // outlive the window.
+    explicit frmMain(JobState &state, QWidget *parent = nullptr);
     ~frmMain() override;
+
+    JobState &state() const { return m_state; }
+
+    // A function joins the window: its content goes into TabFrame(function.index), and from
+    // then on the window opens it, shows its instruction page, raises its steps, asks it for
+    // its help page and calls its load and clean-up parts. One function per index.
+    void addFunction(ShellFunction function);
+    bool hasFunction(int index) const;
+    // The functions' names as the start screen, the tabs and the File menu show them.
+    static QString FunctionName(int index);
 
     // Start-up: settings, folder tree, default data, first-run questions, clean-up, hooks.
     void Load();
@@ -85,7 +101,8 @@ public:
     void ReturnToStartButton_Click();
     void DoCleanup();
 
-    // Instruction forms: unloads all six; shows one (whatever its setting) and returns it.
+    // Instruction forms: unloads all six; shows one (whatever its setting) and returns it, or
+    // nullptr for a function that has not joined.
     void unloadInstructionForms();
     InstructionForm *showInstructionForm(int index);
     InstructionForm *instructionForm(int index) const;
@@ -165,26 +182,22 @@ public:
     // The About line: system name, " Version ", kernel version.
     static QString SystemVersionLine();
 
-    // Hooks for the function subsystems. Each is optional.
+    // Services that a function offers the whole window. Each is optional.
     // Timer3: the directory the FTP session stands in (no network call).
     void setFtpDirectoryProvider(std::function<QString()> provider);
     // Window close answered Yes: close the FTP connection.
     void setCloseHook(std::function<void()> hook);
-    // DoCleanup: refresh the photo lists and clear the current History record.
-    void addCleanupHook(std::function<void()> hook);
-    // Run at the end of Load, in the order added (lists, logo pictures, colour controls).
-    void addLoadHook(std::function<void()> hook);
-    // A function is being opened by button, menu or tab (index 0-5, byTab true for TabStrip1):
-    // its frame is shown; its instruction page and step rings follow the hook.
-    void addFunctionOpenedHook(std::function<void(int index, bool byTab)> hook);
     // The Configuration page: shown on the first run and by SetupPrompt; returns when answered.
     void setSetupPage(std::function<void()> page);
     // The spelling check of a text; while unset, the prompt has no spell-check button and
     // CheckSpellingMenu and CheckSpellingAllMenu stay disabled whatever SpellCheck says.
     void setSpellChecker(std::function<QString(const QString &)> checker);
     const std::function<QString(const QString &)> &spellChecker() const { return m_spellChecker; }
-    // Overrides the help context while TabFrame(tab) is shown; return 0 to keep the default.
-    void setHelpContextProvider(int tab, std::function<int()> provider);
+    // Opens a picture file in the picture editor and returns when the user has closed it;
+    // unset, there is no picture editor and editPicture returns false at once.
+    void setPictureEditor(std::function<bool(const QString &path)> editor);
+    bool hasPictureEditor() const { return static_cast<bool>(m_pictureEditor); }
+    bool editPicture(const QString &path);
 
     // What follows programEnding: every window is hidden, the event loops are told to end and,
     // at the next turn of whichever loop still runs (a job may be waiting inside one),
@@ -208,6 +221,8 @@ private:
     void buildSettingsFields();
     void Timer2_Timer();
     void askExit();
+    bool exitConfirmed();
+    QMenu *menuTitled(const QString &title);
     void PromptForSetup();
     void askSpellingQuestion();
     void updateSpellingEntries();
@@ -215,6 +230,7 @@ private:
     void showTabFrame(int index);
     void openFunction(int index, bool byTab);
 
+    JobState &m_state;
     StartupValues m_startup;
     CopyFilesReport m_copyFilesReport;
     QFrame *m_startFrame = nullptr;
@@ -225,6 +241,9 @@ private:
     std::array<QPushButton *, FunctionCount> m_functionButtons{};
     std::array<StepRing *, RingCount> m_rings{};
     std::array<QPointer<InstructionForm>, FunctionCount> m_instructions{};
+    std::array<ShellFunction, FunctionCount> m_functions{};
+    std::array<QAction *, FunctionCount> m_tabMenus{};
+    std::array<QAction *, FunctionCount> m_instrMenus{};
     QPushButton *m_returnButton = nullptr;
 
     QFrame *m_progressFrame = nullptr;
@@ -243,6 +262,7 @@ private:
     QLabel *m_text2 = nullptr;
 
     QMenu *m_optionsMenu = nullptr;
+    QMenu *m_helpMenu = nullptr;
     QAction *m_runWithoutMenu = nullptr, *m_highLightSteps = nullptr, *m_setupPrompt = nullptr,
             *m_spellCheckOn = nullptr, *m_checkSpellingMenu = nullptr,
             *m_checkSpellingAllMenu = nullptr, *m_xpOrBetter = nullptr;
@@ -265,8 +285,5 @@ private:
     std::function<void()> m_closeHook;
     std::function<void()> m_setupPage;
     std::function<QString(const QString &)> m_spellChecker;
-    std::vector<std::function<void()>> m_cleanupHooks;
-    std::vector<std::function<void()>> m_loadHooks;
-    std::vector<std::function<void(int, bool)>> m_functionHooks;
-    std::array<std::function<int()>, FunctionCount> m_helpProviders{};
+    std::function<bool(const QString &)> m_pictureEditor;
 };

@@ -8,35 +8,14 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QFrame>
+#include <QLayout>
+#include <QMenuBar>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTabBar>
-#include <QTabWidget>
 #include <QTimer>
 
 #include <cstdlib>
-
-namespace {
-
-// The step each function raises when it is opened.
-constexpr int OpeningStep[frmMain::FunctionCount] = {0, 30, 20, 10, 50, 40};
-
-// The selected tab of a subsystem's tab strip (a QTabBar or a QTabWidget); -1 when absent.
-int selectedTab(const QWidget *frame, const QString &name)
-{
-    if (const auto *bar = frame->findChild<const QTabBar *>(name))
-        return bar->currentIndex();
-    if (const auto *tabs = frame->findChild<const QTabWidget *>(name))
-        return tabs->currentIndex();
-    return -1;
-}
-
-bool childShown(const QWidget *frame, const QString &name)
-{
-    const auto *child = frame->findChild<const QWidget *>(name);
-    return child && child->isVisible();
-}
-
-} // namespace
 
 void frmMain::showTabFrame(int index)
 {
@@ -49,9 +28,49 @@ void frmMain::showTabFrame(int index)
         ring->follow();
 }
 
+void frmMain::addFunction(ShellFunction function)
+{
+    const int index = function.index;
+    if (index < 0 || index >= FunctionCount || hasFunction(index) || !function.content)
+        return;
+    const auto at = static_cast<size_t>(index);
+    m_tabFrames[at]->layout()->addWidget(function.content);
+    for (MenuEntry &entry : function.menuEntries) {
+        if (QMenu *menu = entry.action ? menuTitled(entry.menu) : nullptr) {
+            entry.action->setParent(this);
+            menu->addAction(entry.action);
+        }
+    }
+    m_instrMenus[at]->setText(function.instructions.menu);
+    m_instrMenus[at]->setVisible(!function.instructions.menu.isEmpty());
+    m_functionButtons[at]->setEnabled(true);
+    m_tabMenus[at]->setEnabled(true);
+    m_tabStrip->setTabEnabled(index, true);
+    m_functions[at] = std::move(function);
+}
+
+bool frmMain::hasFunction(int index) const
+{
+    return index >= 0 && index < FunctionCount &&
+           m_functions[static_cast<size_t>(index)].content != nullptr;
+}
+
+QMenu *frmMain::menuTitled(const QString &title)
+{
+    const auto plain = [](QString text) { return text.remove(QLatin1Char('&')); };
+    const auto menus = menuBar()->actions();
+    for (QAction *action : menus) {
+        if (action->menu() && plain(action->text()) == plain(title))
+            return action->menu();
+    }
+    auto *menu = new QMenu(title, this);
+    menuBar()->insertMenu(m_helpMenu->menuAction(), menu);
+    return menu;
+}
+
 void frmMain::FunctionSelectButton_Click(int index)
 {
-    if (index < 0 || index >= FunctionCount)
+    if (!hasFunction(index))
         return;
     unloadInstructionForms();
     m_selectingTab = true;
@@ -64,7 +83,7 @@ void frmMain::FunctionSelectButton_Click(int index)
 void frmMain::TabStrip1_Click()
 {
     const int index = m_tabStrip->currentIndex();
-    if (index < 0 || index >= FunctionCount)
+    if (!hasFunction(index))
         return;
     showTabFrame(index);
     unloadInstructionForms();
@@ -74,17 +93,18 @@ void frmMain::TabStrip1_Click()
 void frmMain::openFunction(int index, bool byTab)
 {
     m_startFrame->hide();
+    const ShellFunction &function = m_functions[static_cast<size_t>(index)];
     // The function's own first steps (its inner tabs, its lists) come before its instructions.
-    for (const auto &hook : m_functionHooks)
-        hook(index, byTab);
+    if (function.opened)
+        function.opened(byTab);
     // The setting is read anew each time, so a page hidden on one function stays hidden there
     // only.
-    if (GetSetting(InstructionForm::settingKey(index), QStringLiteral("Show")) ==
-        QStringLiteral("Show"))
+    if (!function.instructions.key.isEmpty() &&
+        GetSetting(function.instructions.key, QStringLiteral("Show")) == QStringLiteral("Show"))
         showInstructionForm(index);
-    shapeEvent(OpeningStep[index]);
-    if (index == 0)
-        DoCleanup();
+    shapeEvent(function.openingStep);
+    if (function.shown)
+        function.shown();
 }
 
 void frmMain::ReturnToStartButton_Click()
@@ -108,11 +128,12 @@ void frmMain::unloadInstructionForms()
 
 InstructionForm *frmMain::showInstructionForm(int index)
 {
-    if (index < 0 || index >= FunctionCount)
+    if (!hasFunction(index))
         return nullptr;
     auto &page = m_instructions[static_cast<size_t>(index)];
     if (!page)
-        page = new InstructionForm(index, this, [this] { HelpButton_Click(); });
+        page = new InstructionForm(index, m_functions[static_cast<size_t>(index)].instructions,
+                                   this, [this] { HelpButton_Click(); });
     page->show();
     page->raise();
     return page;
@@ -125,13 +146,17 @@ InstructionForm *frmMain::instructionForm(int index) const
     return m_instructions[static_cast<size_t>(index)];
 }
 
+bool frmMain::exitConfirmed()
+{
+    return QMessageBox::question(this, QStringLiteral("Exit"),
+                                 QStringLiteral("Are you sure you want to exit from Tarnwick?"),
+                                 QMessageBox::Yes | QMessageBox::No,
+                                 QMessageBox::No) == QMessageBox::Yes;
+}
+
 void frmMain::askExit()
 {
-    const auto answer =
-        QMessageBox::question(this, QStringLiteral("Exit"),
-                              QStringLiteral("Are you sure you want to exit from Tarnwick?"),
-                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
-    if (answer == QMessageBox::Yes)
+    if (exitConfirmed())
         emit programEnding(); // at once, the connection left as it is
 }
 
@@ -148,11 +173,7 @@ void frmMain::EndProgram(std::function<void()> endingAction)
 
 void frmMain::closeEvent(QCloseEvent *event)
 {
-    const auto answer =
-        QMessageBox::question(this, QStringLiteral("Exit"),
-                              QStringLiteral("Are you sure you want to exit from Tarnwick?"),
-                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
-    if (answer != QMessageBox::Yes) {
+    if (!exitConfirmed()) {
         event->ignore();
         return;
     }
@@ -169,43 +190,14 @@ int frmMain::helpContext() const
     if (m_startFrame->isVisible())
         return 2;
     for (int i = 0; i < FunctionCount; ++i) {
-        const QFrame *frame = m_tabFrames[static_cast<size_t>(i)];
-        if (!frame->isVisible())
+        if (!m_tabFrames[static_cast<size_t>(i)]->isVisible())
             continue;
-        if (const auto &provider = m_helpProviders[static_cast<size_t>(i)]) {
-            if (const int context = provider(); context > 0)
+        const ShellFunction &function = m_functions[static_cast<size_t>(i)];
+        if (function.helpContext) {
+            if (const int context = function.helpContext(); context > 0)
                 return context;
         }
-        switch (i) {
-        case 0: {
-            const int tab = selectedTab(frame, QStringLiteral("TabStrip2"));
-            return tab >= 0 && tab <= 2 ? 3 + tab : 6;
-        }
-        case 1:
-            return childShown(frame, QStringLiteral("BackupListView")) ? 7 : 8;
-        case 2:
-            return 9;
-        case 3: {
-            const int tab = selectedTab(frame, QStringLiteral("TabStrip3"));
-            const bool picking = childShown(frame, QStringLiteral("BlogItemSelectFrame"));
-            switch (tab) {
-            case 1:
-                return picking ? 11 : 13;
-            case 2:
-                return picking ? 12 : 13;
-            case 3:
-                return 14;
-            case 4:
-                return 15;
-            default:
-                return 10;
-            }
-        }
-        case 4:
-            return 16;
-        default:
-            return childShown(frame, QStringLiteral("AdvanceSettingFrame")) ? 18 : 17;
-        }
+        return function.defaultHelpContext;
     }
     return 2;
 }

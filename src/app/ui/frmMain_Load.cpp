@@ -74,9 +74,8 @@ void frmMain::readStartupSettings()
 
 void frmMain::Load()
 {
-    JobState &state = JobState::instance();
-    state.UploadCancelled = false;
-    state.BackgroundRequested = false;
+    m_state.UploadCancelled = false;
+    m_state.BackgroundRequested = false;
     PositionThings();
     m_runWithoutMenu->setChecked(false);
     m_direction = QStringLiteral("R");
@@ -112,8 +111,9 @@ void frmMain::Load()
     m_startup.SUTextColor = setting("SUTextColor", "#000000");
     m_startup.SUPageFont = setting("SUPageFont", "Arial");
 
-    for (const auto &hook : m_loadHooks)
-        hook();
+    for (const ShellFunction &function : m_functions)
+        if (function.loaded)
+            function.loaded();
 
     m_timer1->start();
     m_timer2->start(); // Timer3 waits for the FTP tab's Connect
@@ -156,6 +156,7 @@ void frmMain::DoCleanup()
                        QDir::Files | QDir::NoSymLinks);
     for (const QString &name : images)
         QFile::remove(home.filePath(name)); // a failure is passed over
-    for (const auto &hook : m_cleanupHooks)
-        hook();
+    for (const ShellFunction &function : m_functions)
+        if (function.cleanup)
+            function.cleanup();
 }

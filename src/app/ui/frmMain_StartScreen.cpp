@@ -12,10 +12,6 @@
 
 namespace {
 
-const char *const ButtonCaptions[frmMain::FunctionCount] = {
-    "Send a Photo Page", "Backup Files ",  "Send a File",
-    "Build a Web Log",   "Build a Portal", "FTP Control && Settings"};
-
 const char *const Explanations[frmMain::FunctionCount] = {
     "Turn a folder of pictures into a page of thumbnails on your web site.",
     "Keep copies of your important files safe on your web space.",
@@ -105,7 +101,7 @@ QWidget *frmMain::buildStartScreen()
     grid->setVerticalSpacing(26);
     const qreal dpr = devicePixelRatioF();
     for (int i = 0; i < FunctionCount; ++i) {
-        auto *button = new QPushButton(QString::fromLatin1(ButtonCaptions[i]), m_startFrame);
+        auto *button = new QPushButton(FunctionName(i), m_startFrame);
         button->setObjectName(QStringLiteral("FunctionSelectButton_%1").arg(i));
         button->setIcon(QIcon(StartScreenArt::FunctionIcon(i, IconSize, dpr)));
         button->setIconSize(QSize(IconSize, IconSize));
@@ -119,6 +115,7 @@ QWidget *frmMain::buildStartScreen()
             "QPushButton:hover { background: #eaf3ff; border-color: #3d8bd9; }"
             "QPushButton:pressed { background: #d6e8ff; }"
             "QPushButton:focus { border: 2px solid #3d8bd9; }"));
+        button->setEnabled(false); // until the function joins
         connect(button, &QPushButton::clicked, this, [this, i] { FunctionSelectButton_Click(i); });
         m_functionButtons[static_cast<size_t>(i)] = button;
 

@@ -265,7 +265,7 @@ bool PhotoBuildJob::PhotoPreviewButton()
     BuildLocalPhoto();
 
     const QString page = preview + QStringLiteral("/Photos.htm");
-    CurrentPointer() = page;
+    m_context.state.CurrentPointer = page;
     // A page that can't be opened is told by the opener itself.
     m_context.ui.OpenUrl(QUrl::fromLocalFile(page));
 

@@ -246,7 +246,7 @@ bool PhotoBuildJob::BuildLocalPhoto()
     TemplateState templateState;
     templateState.PageTitle = PageTitle;
     templateState.PageGroupInfo = PageGroupInfo;
-    templateState.photoPage = &m_page;
+    templateState.photoInfo = [this](const QString &entry) { return PhotoInfoOf(m_page, entry); };
     templateState.File3 = File3();
     FillTemplateFile(FindTemplateFile(templates, QStringLiteral("Top.txt")), out, templateState);
 

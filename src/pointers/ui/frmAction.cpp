@@ -87,7 +87,7 @@ frmAction::frmAction(JobUi &ui, JobState &state, QWidget *parent)
         this);
     label3->setWordWrap(true);
 
-    m_pointerText = new QLineEdit(CurrentPointer(), this);
+    m_pointerText = new QLineEdit(m_state.CurrentPointer, this);
     m_pointerText->setObjectName(QStringLiteral("PointerText"));
     m_pointerText->setReadOnly(true);
     m_pointerText->setCursorPosition(0);
@@ -179,16 +179,16 @@ void frmAction::ShowAndWait(JobUi &ui, JobState &state, QWidget *parent,
     delete window.data();
 }
 
-void frmAction::Install(QWidget *parent, std::function<void()> help)
+void frmAction::Install(JobState &state, QWidget *parent, std::function<void()> help)
 {
     QPointer<QWidget> owner = parent;
-    SetTakeActionHandler([owner, help = std::move(help)](JobUi &ui, JobState &state) {
+    state.ShowTakeAction = [owner, help = std::move(help)](JobUi &ui, JobState &jobState) {
         // The help belongs to the owner: it is not called once the owner has gone.
-        ShowAndWait(ui, state, owner.data(), [owner, help] {
+        ShowAndWait(ui, jobState, owner.data(), [owner, help] {
             if (owner && help)
                 help();
         });
-    });
+    };
 }
 
 QString frmAction::MailtoText(const QString &subject, const QString &body, const QString &pointer)
@@ -237,12 +237,12 @@ void frmAction::CopyPointerToClipButton_Click()
     if (trimBlanks(label).isEmpty() || label == JobState::Skip)
         return;
 
-    CurrentPointer() = CompletePointer(CurrentPointer());
-    m_pointerText->setText(CurrentPointer());
+    m_state.CurrentPointer = CompletePointer(m_state.CurrentPointer);
+    m_pointerText->setText(m_state.CurrentPointer);
     // A link to a local file needs a file address to work where it is pasted.
-    const QString pointer = IsLocalPointer(CurrentPointer())
-                                ? pointerUrl(CurrentPointer()).toString(QUrl::FullyEncoded)
-                                : CurrentPointer();
+    const QString pointer = IsLocalPointer(m_state.CurrentPointer)
+                                ? pointerUrl(m_state.CurrentPointer).toString(QUrl::FullyEncoded)
+                                : m_state.CurrentPointer;
     QString head = PointerLinkHead();
     QString tail = PointerLinkTail();
     PutHTMLClipboard(m_ui, PointerLinkFragment(pointer, label), head, tail, pointer);
@@ -256,21 +256,21 @@ void frmAction::CopyPointerToClipButton_Click()
 void frmAction::SendEmail_Click()
 {
     m_ui.ProcessEvents();
-    CurrentPointer() = CompletePointer(CurrentPointer());
-    m_pointerText->setText(CurrentPointer());
-    const QString pointer = trimBlanks(CurrentPointer());
+    m_state.CurrentPointer = CompletePointer(m_state.CurrentPointer);
+    m_pointerText->setText(m_state.CurrentPointer);
+    const QString pointer = trimBlanks(m_state.CurrentPointer);
 
     QString body = m_body->toPlainText();
     body.replace(QLatin1Char('\n'), QStringLiteral("\r\n"));
     const QString mailto = MailtoText(m_subject->text(), trimBlanks(body), pointer);
 
-    if (CurrentPointer().contains(QStringLiteral("%20")))
+    if (m_state.CurrentPointer.contains(QStringLiteral("%20")))
         m_ui.Message(QStringLiteral("Error - Your file name contains spaces that will not transfer "
                                     "to email correctly. Verify If the pointer in the email is "
                                     "correct. If not use a <Ctrl V> to replace the implanted "
                                     "pointer."),
                      QStringLiteral("Tarnwick"), JobUi::Buttons::Ok, JobUi::Icon::Warning);
-    if (CurrentPointer().size() > LongPointer)
+    if (m_state.CurrentPointer.size() > LongPointer)
         m_ui.Message(QStringLiteral("If the pointer in the email is greater than the length of a "
                                     "line, then pointer can be corrupted with a Carrage Return. "
                                     "Set your emails to a larger line length. Select the menu item "
@@ -293,7 +293,7 @@ void frmAction::SendEmail_Click()
 void frmAction::ViewButton_Click()
 {
     m_ui.ProcessEvents();
-    const QString pointer = trimBlanks(CurrentPointer());
+    const QString pointer = trimBlanks(m_state.CurrentPointer);
     if (pointer.isEmpty())
         return;
     m_ui.OpenUrl(pointerUrl(pointer));

@@ -13,9 +13,9 @@ class QTimer;
 struct JobState;
 
 // "Take an action...": the window that ends every job. It offers three things to do with
-// CurrentPointer(): copy it to the clipboard as a link, send it in an e-mail, view the page.
+// state.CurrentPointer: copy it to the clipboard as a link, send it in an e-mail, view the page.
 // It reaches the user through ui (prompt, messages, clipboard, opening URLs) and may complete
-// CurrentPointer() with "http://". Hiding the window (Back to Previous, or its close box) ends
+// state.CurrentPointer with "http://". Hiding the window (Back to Previous, or its close box) ends
 // ShowAndWait.
 class frmAction final : public QDialog
 {
@@ -23,14 +23,15 @@ class frmAction final : public QDialog
 public:
     frmAction(JobUi &ui, JobState &state, QWidget *parent = nullptr);
 
-    // Shows a window for CurrentPointer() without blocking its parent, waits in a local event
+    // Shows a window for state.CurrentPointer without blocking its parent, waits in a local event
     // loop until it is hidden (or its parent goes away), then deletes it. help, when given, is
     // what the Help button and menu call.
     static void ShowAndWait(JobUi &ui, JobState &state, QWidget *parent,
                             const std::function<void()> &help = {});
-    // Makes CopyPointer open this window over parent (normally frmMain) at the end of each job;
-    // help is what its Help button and menu call (the main window's help, in the program).
-    static void Install(QWidget *parent, std::function<void()> help);
+    // Makes CopyPointer open this window over parent (normally frmMain) at the end of each job
+    // that runs on state; help is what its Help button and menu call (the main window's help,
+    // in the program).
+    static void Install(JobState &state, QWidget *parent, std::function<void()> help);
 
     // The mailto: text of the e-mail action for a subject, body and pointer, exactly as it is
     // handed on: "mailto:?Subject=...&Body=..." with the body's line breaks as code 11, two

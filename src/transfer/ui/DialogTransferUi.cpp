@@ -22,7 +22,7 @@ dlgFTP *DialogTransferUi::load()
         m_dialog = new dlgFTP(m_state, m_parent);
         QObject::connect(m_dialog, &dlgFTP::cancelConfirmed, m_dialog, [this] {
             m_cancelled = true;
-            m_busy = false;
+            m_busy.set(false);
             m_dialog->deleteLater();
         });
     }
@@ -71,13 +71,7 @@ void DialogTransferUi::FloodShowStatus(const QString &text)
 
 void DialogTransferUi::SetBusyCursor(bool busy)
 {
-    if (busy == m_busy)
-        return;
-    m_busy = busy;
-    if (busy)
-        QApplication::setOverrideCursor(Qt::WaitCursor);
-    else
-        QApplication::restoreOverrideCursor();
+    m_busy.set(busy);
 }
 
 void DialogTransferUi::ShowUploadError(const QString &text, int number)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BusyCursor.h"
 #include "TransferUi.h"
 
 #include <QPointer>
@@ -37,7 +38,7 @@ private:
     QPointer<QWidget> m_parent;
     QPointer<dlgFTP> m_dialog;
     int m_errorAutoCloseMs = 5000;
-    bool m_busy = false;
+    BusyCursor m_busy;
     // A dialog that the user cancelled is not loaded again until the next file.
     bool m_cancelled = false;
 };

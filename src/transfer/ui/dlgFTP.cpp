@@ -153,7 +153,6 @@ void dlgFTP::Command1_Click()
     if (answer == QMessageBox::Yes) {
         m_state.UserResponse = JobState::Skip;
         m_state.UploadCancelled = true;
-        QApplication::restoreOverrideCursor();
         hide();
         emit cancelConfirmed();
         return;

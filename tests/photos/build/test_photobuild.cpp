@@ -28,9 +28,9 @@ private:
         FtpTestServer server;
         QTemporaryDir source;
         QTemporaryDir working;
-        cFTP ftp;
-        ScriptedUi ui;
         JobState state;
+        cFTP ftp{state};
+        ScriptedUi ui;
         SilentTransferUi progress;
         std::unique_ptr<BuildTestWindow> window;
         std::unique_ptr<TransferContext> context;
@@ -39,7 +39,7 @@ private:
         QString remote(const QString &path) const { return server.localPath(path); }
         PhotoBuildOutcome run()
         {
-            PhotoBuildJob job(PhotoPage::instance(), *context, *window);
+            PhotoBuildJob job(state.current<PhotoPage>(), *context, *window);
             const PhotoBuildOutcome outcome = job.cmdBuildAll();
             lastPageName = job.PageName;
             lastImageRoot = job.ImageRoot;
@@ -81,7 +81,6 @@ private:
         auto world = std::make_unique<World>(options);
         if (start && !world->server.start())
             qWarning("%s", qPrintable(world->server.errorString()));
-        world->ftp.setJobState(&world->state);
         world->window =
             std::make_unique<BuildTestWindow>(world->ftp, world->server, world->workingPath());
         world->context = std::make_unique<TransferContext>(
@@ -96,8 +95,9 @@ private:
             makePhoto(world->source.filePath(name), colours[i], turned ? 240 : 320,
                       turned ? 320 : 240);
         }
-        ClearHistory(PhotoPage::instance());
-        putOnList(PhotoPage::instance(), world->source.path(), world->workingPath(), photos);
+        ClearHistory(world->state.current<PhotoPage>());
+        putOnList(world->state.current<PhotoPage>(), world->source.path(), world->workingPath(),
+                  photos);
         return world;
     }
 
@@ -112,8 +112,6 @@ private slots:
         QVERIFY(installTemplates());
         QVERIFY2(!FtpTestServer::pythonProgram().isEmpty(), "python3-pyftpdlib is needed");
     }
-
-    void init() { ClearHistory(PhotoPage::instance()); }
 
     void cleanName_data()
     {
@@ -245,7 +243,7 @@ private slots:
         auto world = makeWorld();
         world->window->title_prompt = true;
         world->window->RunWithoutMenu = true;
-        PhotoPage::instance().Title = QStringLiteral("Old title");
+        world->state.current<PhotoPage>().Title = QStringLiteral("Old title");
         world->ui.answerPrompt(QStringLiteral("Beach"));
         world->ui.answerPrompt(QString()); // an empty title
         world->ui.answerPrompt(QStringLiteral("We went to the sea."));
@@ -259,8 +257,9 @@ private slots:
         QCOMPARE(world->ui.prompts.at(1).defaultText, QStringLiteral("Old title"));
         QCOMPARE(world->ui.prompts.at(2).defaultText,
                  QStringLiteral("Below are some photos from us......."));
-        QCOMPARE(PhotoPage::instance().Title, QString());
-        QCOMPARE(PhotoPage::instance().GroupInfo, QStringLiteral("We went to the sea."));
+        QCOMPARE(world->state.current<PhotoPage>().Title, QString());
+        QCOMPARE(world->state.current<PhotoPage>().GroupInfo,
+                 QStringLiteral("We went to the sea."));
 
         // Run Without Connections: the page is built, nothing goes out, the working files stay.
         QVERIFY(QFileInfo(world->lastImageRoot + QStringLiteral("/Beach/Photos.htm")).isFile());
@@ -288,7 +287,7 @@ private slots:
         QCOMPARE(world->ui.prompts.at(1).text,
                  QStringLiteral("(1 of 12) Enter text associated with the image, then select "
                                 "Display Left or Display Right"));
-        const PhotoPage &page = PhotoPage::instance();
+        const PhotoPage &page = world->state.current<PhotoPage>();
         const int first =
             FindPhoto(page, RemoveGroupNumber(rows.at(0)), GetGroupNumber(rows.at(0)));
         QCOMPARE(page.PhotoInfo[first], QStringLiteral("Text 0"));
@@ -326,7 +325,7 @@ private slots:
     void leavingTheNamePromptEndsInSilence()
     {
         auto world = makeWorld();
-        PhotoPage::instance().FileName = QStringLiteral("Kept");
+        world->state.current<PhotoPage>().FileName = QStringLiteral("Kept");
         // No answer scripted: the prompt is left.
         QCOMPARE(world->run(), PhotoBuildOutcome::Skipped);
         QVERIFY(world->ui.messages.isEmpty());
@@ -357,7 +356,7 @@ private slots:
         world->ui.answerPrompt(QStringLiteral("..//??**"));
         QCOMPARE(world->run(), PhotoBuildOutcome::WrongPath);
         QCOMPARE(world->lastPageName, QString());
-        QCOMPARE(PhotoPage::instance().FileName, QString());
+        QCOMPARE(world->state.current<PhotoPage>().FileName, QString());
         QCOMPARE(world->ui.messages.size(), 1);
         QCOMPARE(world->ui.messages.at(0).text,
                  QStringLiteral("The connection to the upload path has failed. Select the Rebuild "
@@ -617,7 +616,7 @@ private slots:
         };
         QCOMPARE(world->run(), PhotoBuildOutcome::BuiltLocally);
         QCOMPARE(world->ui.prompts.size(), 2);
-        const PhotoPage &page = PhotoPage::instance();
+        const PhotoPage &page = world->state.current<PhotoPage>();
         const QStringList rows = ListPictureFiles(world->workingPath());
         const int first =
             FindPhoto(page, RemoveGroupNumber(rows.at(0)), GetGroupNumber(rows.at(0)));
@@ -642,7 +641,8 @@ private slots:
     {
         auto world = makeWorld();
         QVERIFY(makePhoto(world->source.filePath(QStringLiteral("Old Mill.jpg")), Qt::darkYellow));
-        QVERIFY(putOnList(PhotoPage::instance(), world->source.path(), world->workingPath(),
+        QVERIFY(putOnList(world->state.current<PhotoPage>(), world->source.path(),
+                          world->workingPath(),
                           {{QStringLiteral("Old Mill.jpg"), QStringLiteral("00015")}}));
         world->ui.answerPrompt(QStringLiteral("Mill"));
         QCOMPARE(world->run(), PhotoBuildOutcome::Sent);

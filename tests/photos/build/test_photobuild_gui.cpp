@@ -10,6 +10,7 @@
 #include "Settings.h"
 #include "SettingsKeys.h"
 #include "TestMain.h"
+#include "WebSpace.h"
 #include "frmAction.h"
 #include "frmInputBox.h"
 #include "frmMain.h"
@@ -81,7 +82,7 @@ private:
                     return;
                 }
                 if (auto *action = qobject_cast<frmAction *>(widget)) {
-                    actions << CurrentPointer();
+                    actions << window->state().CurrentPointer;
                     action->hide();
                     return;
                 }
@@ -150,11 +151,12 @@ private slots:
         SaveSetting(SettingKey::PromptForTitle, QStringLiteral("False"));
         SaveSetting(SettingKey::PromptForDescription, QStringLiteral("False"));
 
-        cFTP ftp;
-        frmMain window;
+        JobState state;
+        cFTP ftp(state);
+        frmMain window(state);
         PhotoFrame *frame = InstallPhotoFrame(window);
-        PhotoBuildController *build = InstallPhotoBuild(window, *frame, ftp);
-        frmAction::Install(&window, [&window] { window.HelpButton_Click(); });
+        PhotoBuildController *build = InstallPhotoBuild(window, *frame, *new WebSpace(window, ftp));
+        frmAction::Install(state, &window, [&window] { window.HelpButton_Click(); });
         frame->readFolders();
         window.txtServer()->setText(server.server());
         window.txtUser()->setText(server.user());
@@ -273,19 +275,18 @@ private slots:
     // file name can't hold, and with title_prompt ticked the title and introduction are asked.
     // A new page of one picture saved by Save All on the real window, the name prompt answered
     // with name and the later prompts as offered; what the prompts asked and the boxes said.
-    static std::pair<QStringList, QStringList> saveAllOfANewPage(bool titlePrompt,
+    static std::pair<QStringList, QStringList> saveAllOfANewPage(JobState &state, bool titlePrompt,
                                                                  const QString &name)
     {
         QTemporaryDir source, working;
         makePhoto(source.filePath(QStringLiteral("Pier.jpg")), Qt::darkCyan);
         SaveSetting(SettingKey::TempPath, working.path());
         SaveSetting(QStringLiteral("CopyPath"), source.path());
-        ClearHistory(PhotoPage::instance());
 
-        cFTP ftp;
-        frmMain window;
+        cFTP ftp(state);
+        frmMain window(state);
         PhotoFrame *frame = InstallPhotoFrame(window);
-        InstallPhotoBuild(window, *frame, ftp);
+        InstallPhotoBuild(window, *frame, *new WebSpace(window, ftp));
         frame->readFolders();
         window.show();
         window.FunctionSelectButton_Click(0);
@@ -307,14 +308,16 @@ private slots:
     {
         // The name with characters a file name can't hold; the title and the introduction as
         // offered.
-        const auto [prompts, messages] = saveAllOfANewPage(true, QStringLiteral("Trip/NY: May*"));
+        JobState state;
+        const auto [prompts, messages] =
+            saveAllOfANewPage(state, true, QStringLiteral("Trip/NY: May*"));
 
         QCOMPARE(prompts.size(), 3);
         QVERIFY(prompts.at(0).startsWith(QStringLiteral("Enter the name of the webpage")));
         QCOMPARE(prompts.at(1), QStringLiteral("Enter a title..."));
         QCOMPARE(prompts.at(2), QStringLiteral("Enter an introduction to the photo group..."));
         QVERIFY(messages.isEmpty());
-        const PhotoPage &page = PhotoPage::instance();
+        const PhotoPage &page = state.current<PhotoPage>();
         QCOMPARE(page.FileName, QStringLiteral("TripNY_May"));
         QCOMPARE(page.Title, QStringLiteral("Photos"));
         QCOMPARE(page.GroupInfo, QStringLiteral("Below are some photos from us......."));
@@ -331,7 +334,8 @@ private slots:
     void saveAllWithANameOfOnlyBadCharactersSaysSoAndSavesNothing()
     {
         const QStringList before = QDir(Folders::HistoryFolder()).entryList(QDir::Files);
-        const auto [prompts, messages] = saveAllOfANewPage(false, QStringLiteral("//**??"));
+        JobState state;
+        const auto [prompts, messages] = saveAllOfANewPage(state, false, QStringLiteral("//**??"));
 
         QCOMPARE(prompts.size(), 1);
         QCOMPARE(messages.size(), 1);
@@ -350,10 +354,11 @@ private slots:
         kept.FileName = QStringLiteral("Kept");
         QVERIFY(SaveHistory(kept).ok);
 
-        cFTP ftp;
-        frmMain window;
+        JobState state;
+        cFTP ftp(state);
+        frmMain window(state);
         PhotoFrame *frame = InstallPhotoFrame(window);
-        InstallPhotoBuild(window, *frame, ftp);
+        InstallPhotoBuild(window, *frame, *new WebSpace(window, ftp));
         frame->readFolders();
         window.show();
         window.FunctionSelectButton_Click(0);
@@ -416,12 +421,12 @@ private slots:
         SaveSetting(QStringLiteral("CopyPath"), source.path());
         SaveSetting(SettingKey::PromptForTitle, QStringLiteral("False"));
         SaveSetting(SettingKey::PromptForDescription, QStringLiteral("False"));
-        ClearHistory(PhotoPage::instance());
 
-        cFTP ftp;
-        frmMain window;
+        JobState state;
+        cFTP ftp(state);
+        frmMain window(state);
         PhotoFrame *frame = InstallPhotoFrame(window);
-        PhotoBuildController *build = InstallPhotoBuild(window, *frame, ftp);
+        PhotoBuildController *build = InstallPhotoBuild(window, *frame, *new WebSpace(window, ftp));
         frame->readFolders();
         window.show();
         window.FunctionSelectButton_Click(0);
@@ -436,7 +441,7 @@ private slots:
 
         copyPicture(frame, QStringLiteral("Tree.jpg"), 0, QStringLiteral("50"));
         copyPicture(frame, QStringLiteral("Lake.jpg"), 0, QStringLiteral("50"));
-        PhotoPage &page = PhotoPage::instance();
+        PhotoPage &page = state.current<PhotoPage>();
         page.FileName = QStringLiteral("Evening");
         page.Title = QStringLiteral("Our trip");
 
@@ -483,11 +488,12 @@ private slots:
         SaveSetting(SettingKey::TempPath, working.path());
         SaveSetting(QStringLiteral("CopyPath"), source.path());
 
-        cFTP ftp;
-        frmMain window;
+        JobState state;
+        cFTP ftp(state);
+        frmMain window(state);
         PhotoFrame *frame = InstallPhotoFrame(window);
-        PhotoBuildController *build = InstallPhotoBuild(window, *frame, ftp);
-        frmAction::Install(&window, [&window] { window.HelpButton_Click(); });
+        PhotoBuildController *build = InstallPhotoBuild(window, *frame, *new WebSpace(window, ftp));
+        frmAction::Install(state, &window, [&window] { window.HelpButton_Click(); });
         frame->readFolders();
         window.txtServer()->setText(server.server());
         window.txtUser()->setText(server.user());

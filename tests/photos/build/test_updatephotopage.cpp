@@ -18,6 +18,7 @@ using namespace BuildFixture;
 class TestUpdatePhotoPage : public QObject
 {
     Q_OBJECT
+    JobState m_state;
 
 private:
     QList<Photo> photos()
@@ -37,7 +38,11 @@ private:
 
 private slots:
     void initTestCase() { QVERIFY(installTemplates()); }
-    void init() { ClearHistory(PhotoPage::instance()); }
+    void init()
+    {
+        m_state.reset();
+        ClearHistory(m_state.current<PhotoPage>());
+    }
 
     void aPageIsTakenUpChangedAndSentAgain()
     {
@@ -45,13 +50,12 @@ private slots:
         QVERIFY2(server.start(), qPrintable(server.errorString()));
         QTemporaryDir source, working;
         makeSource(source.path());
-        PhotoPage &page = PhotoPage::instance();
+        PhotoPage &page = m_state.current<PhotoPage>();
         QVERIFY(putOnList(page, source.path(), working.path(), photos()));
 
-        cFTP ftp;
+        cFTP ftp(m_state);
         ScriptedUi ui;
-        JobState state;
-        ftp.setJobState(&state);
+        JobState &state = m_state;
         SilentTransferUi progress;
         BuildTestWindow window(ftp, server, working.path());
         TransferContext context{ftp, ui, state, window, progress};
@@ -92,7 +96,7 @@ private slots:
     void aLoadWithTheSourceGoneCostsOneMessagePerPicture()
     {
         QTemporaryDir working;
-        PhotoPage &page = PhotoPage::instance();
+        PhotoPage &page = m_state.current<PhotoPage>();
         {
             QTemporaryDir source;
             makeSource(source.path());
@@ -101,8 +105,8 @@ private slots:
             QVERIFY(SaveHistory(page).ok);
         }
         ScriptedUi ui;
-        JobState state;
-        cFTP ftp;
+        JobState &state = m_state;
+        cFTP ftp(m_state);
         FtpTestServer server;
         BuildTestWindow window(ftp, server, working.path());
         QVERIFY(LoadHst2(page, QStringLiteral("Moved.hst"), working.path(), ui, state, window));
@@ -121,7 +125,7 @@ private slots:
     {
         QTemporaryDir source, working;
         makeSource(source.path());
-        PhotoPage &page = PhotoPage::instance();
+        PhotoPage &page = m_state.current<PhotoPage>();
         page.FileName = QStringLiteral("Padded");
         page.PhotoNumber = 2;
         page.PhotoName[0] = QStringLiteral("One.jpg");
@@ -134,8 +138,8 @@ private slots:
         ClearHistory(page);
 
         ScriptedUi ui;
-        JobState state;
-        cFTP ftp;
+        JobState &state = m_state;
+        cFTP ftp(m_state);
         FtpTestServer server;
         BuildTestWindow window(ftp, server, working.path());
         QVERIFY(LoadHst2(page, QStringLiteral("Padded.hst"), working.path(), ui, state, window));
@@ -148,11 +152,12 @@ private slots:
     {
         QTemporaryDir working;
         ScriptedUi ui;
-        JobState state;
-        cFTP ftp;
+        JobState &state = m_state;
+        cFTP ftp(m_state);
         FtpTestServer server;
         BuildTestWindow window(ftp, server, working.path());
-        QVERIFY(!LoadHst2(PhotoPage::instance(), QString(), working.path(), ui, state, window));
+        QVERIFY(
+            !LoadHst2(m_state.current<PhotoPage>(), QString(), working.path(), ui, state, window));
         QCOMPARE(ui.messages.size(), 1);
         QCOMPARE(ui.messages.at(0).text, QStringLiteral("Select a History file and retry."));
     }
@@ -161,7 +166,7 @@ private slots:
     {
         QTemporaryDir source, working;
         makeSource(source.path());
-        PhotoPage &page = PhotoPage::instance();
+        PhotoPage &page = m_state.current<PhotoPage>();
         QVERIFY(putOnList(page, source.path(), working.path(), photos()));
         page.Title = QStringLiteral("Summer");
         page.FileName = QStringLiteral("Summer");
@@ -171,9 +176,9 @@ private slots:
         QVERIFY(stray.open(QIODevice::WriteOnly));
         stray.close();
 
-        cFTP ftp;
+        cFTP ftp(m_state);
         ScriptedUi ui;
-        JobState state;
+        JobState &state = m_state;
         SilentTransferUi progress;
         FtpTestServer server;
         BuildTestWindow window(ftp, server, working.path());
@@ -201,11 +206,11 @@ private slots:
     {
         QTemporaryDir source, working;
         makeSource(source.path());
-        PhotoPage &page = PhotoPage::instance();
+        PhotoPage &page = m_state.current<PhotoPage>();
         QVERIFY(putOnList(page, source.path(), working.path(), photos()));
-        cFTP ftp;
+        cFTP ftp(m_state);
         ScriptedUi ui;
-        JobState state;
+        JobState &state = m_state;
         SilentTransferUi progress;
         FtpTestServer server;
         BuildTestWindow window(ftp, server, working.path());
@@ -222,13 +227,13 @@ private slots:
     {
         QTemporaryDir source, working;
         makeSource(source.path());
-        PhotoPage &page = PhotoPage::instance();
+        PhotoPage &page = m_state.current<PhotoPage>();
         QVERIFY(putOnList(page, source.path(), working.path(), photos()));
         page.FileName = QStringLiteral("Closed");
-        cFTP ftp;
+        cFTP ftp(m_state);
         ScriptedUi ui;
         ui.openUrlResult = false;
-        JobState state;
+        JobState &state = m_state;
         SilentTransferUi progress;
         FtpTestServer server;
         BuildTestWindow window(ftp, server, working.path());

@@ -2,6 +2,7 @@
 // Ready to Send list, and saves the screen: shot_photoframe_window <output.png>. Run it on a
 // virtual screen: xvfb-run -s "-screen 0 1280x800x24".
 #include "FrameFixture.h"
+#include "JobState.h"
 #include "PhotoFrameInstall.h"
 #include "ReadyToSendPage.h"
 #include "Settings.h"
@@ -38,7 +39,8 @@ int main(int argc, char *argv[])
     SaveSetting(QStringLiteral("CopyPath"), pictures);
     SaveSetting(QStringLiteral("PhotoIntructionView"), QStringLiteral("Hide"));
 
-    frmMain window;
+    JobState state;
+    frmMain window(state);
     PhotoFrame *frame = InstallPhotoFrame(window);
     window.Load();
     window.setGeometry(QGuiApplication::primaryScreen()->availableGeometry());

@@ -1,4 +1,6 @@
 #include "FrameFixture.h"
+#include "InstructionForm.h"
+#include "JobState.h"
 
 #include "PhotoFrameInstall.h"
 #include "ReadyToSendPage.h"
@@ -7,13 +9,16 @@
 #include "TestMain.h"
 #include "frmMain.h"
 
+#include <QAction>
 #include <QDir>
 #include <QFile>
 #include <QFrame>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTimer>
@@ -31,7 +36,8 @@ private slots:
 
     void theFrameSitsInTheFirstWorkFrame()
     {
-        frmMain window;
+        JobState state;
+        frmMain window(state);
         PhotoFrame *frame = InstallPhotoFrame(window);
         window.Load();
         window.show();
@@ -49,9 +55,44 @@ private slots:
         QCOMPARE(window.helpContext(), 5);
     }
 
+    void theFunctionJoinsWithItsPageRingsAndMenu()
+    {
+        SaveSetting(QStringLiteral("PhotoIntructionView"), QStringLiteral("Show"));
+        JobState state;
+        frmMain window(state);
+        QVERIFY(!window.hasFunction(0));
+        InstallPhotoFrame(window);
+        QVERIFY(window.hasFunction(0));
+        window.Load();
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QVERIFY(
+            window.findChild<QPushButton *>(QStringLiteral("FunctionSelectButton_0"))->isEnabled());
+        auto *menu = window.findChild<QAction *>(QStringLiteral("InstrMenu_0"));
+        QVERIFY(menu->isVisible());
+        QCOMPARE(menu->text(), QStringLiteral("Send a Photo Page Instructions"));
+
+        window.FunctionSelectButton_Click(0);
+        InstructionForm *page = window.instructionForm(0);
+        QVERIFY(page && page->isVisible());
+        QCOMPARE(page->objectName(), QStringLiteral("InstructionPagePhoto"));
+        QCOMPARE(
+            page->findChildren<QLabel *>(QRegularExpression(QStringLiteral("^Step_\\d+$"))).size(),
+            6);
+        QVERIFY(page->findChild<QLabel *>(QStringLiteral("Step_4"))
+                    ->text()
+                    .contains(QStringLiteral("the page need editiing")));
+        for (int i = 0; i < frmMain::RingCount; ++i)
+            QCOMPARE(window.ring(i)->isShown(), i == 0 || i == 2 || i == 3);
+        window.shapeEvent(3);
+        QCOMPARE(window.ring(1)->colour(), frmMain::RingYellow);
+        QVERIFY(window.ring(1)->isShown());
+    }
+
     void openingThePhotoFunctionEmptiesTheList()
     {
-        frmMain window;
+        JobState state;
+        frmMain window(state);
         PhotoFrame *frame = InstallPhotoFrame(window);
         window.Load();
         window.show();
@@ -79,7 +120,8 @@ private slots:
     // Deleting pictures of the source folder can't be undone: on the real box Enter keeps them.
     void enterOnTheSourceDeleteQuestionKeepsThePictures()
     {
-        frmMain window;
+        JobState state;
+        frmMain window(state);
         PhotoFrame *frame = InstallPhotoFrame(window);
         window.Load();
         window.show();

@@ -1,14 +1,17 @@
 #include "FtpControlTab.h"
+#include "InstructionForm.h"
 #include "Settings.h"
 #include "StepRing.h"
 #include "TestMain.h"
 #include "WebSpaceFixture.h"
 
+#include <QAction>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QRegularExpression>
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTreeWidget>
@@ -73,14 +76,12 @@ private slots:
         QDir().mkpath(home("/sub"));
         writeFile(home("/sub/inner.txt"), "inner");
         m_fx = std::make_unique<WebSpaceFixture>();
-        m_tab = new FtpControlTab(*m_fx->window, *m_fx->ftp, m_fx->ui, *m_fx->progress);
-        m_tab->resize(900, 600);
-        m_tab->show();
+        m_tab = m_fx->install();
+        m_fx->showFunction(5);
     }
 
     void cleanup()
     {
-        delete m_tab;
         m_tab = nullptr;
         m_fx.reset();
     }
@@ -464,7 +465,7 @@ private slots:
         writeFile(local.filePath(QStringLiteral("one.txt")), "1");
         writeFile(local.filePath(QStringLiteral("two.txt")), "2");
         connectTab();
-        JobState::instance().UserResponse = JobState::Skip;
+        m_fx->state.UserResponse = JobState::Skip;
         m_tab->uploadFiles(local.path(), {local.filePath(QStringLiteral("one.txt")),
                                           local.filePath(QStringLiteral("two.txt"))});
         QCOMPARE(readFile(home("/one.txt")), QByteArray("1"));
@@ -545,6 +546,45 @@ private slots:
         button("cmdDisconnect")->click();
         QVERIFY(m_fx->window->ring(14)->isShown());
         QVERIFY(m_fx->window->ring(16)->isShown());
+    }
+
+    void bothFunctionsJoinWithTheirPagesRingsAndHelp()
+    {
+        frmMain &window = *m_fx->window;
+        window.HighLightSteps()->setChecked(true);
+        SaveSetting(QStringLiteral("SendFileInstructionView"), QStringLiteral("Show"));
+        SaveSetting(QStringLiteral("FTPControlInstructionView"), QStringLiteral("Show"));
+        for (int i : {0, 1, 3, 4})
+            QVERIFY(!window.hasFunction(i));
+
+        window.FunctionSelectButton_Click(2);
+        InstructionForm *send = window.instructionForm(2);
+        QVERIFY(send && send->isVisible());
+        QCOMPARE(send->objectName(), QStringLiteral("InstructionPageSendFile"));
+        QCOMPARE(send->findChild<QLabel *>(QStringLiteral("Step_2"))->text(),
+                 QStringLiteral("The pointer to this file is then ready to send via email either "
+                                "using the 'Take an Action' button or using the Paste command "
+                                "'Ctrl v'."));
+        for (int i = 0; i < frmMain::RingCount; ++i)
+            QCOMPARE(window.ring(i)->isShown(), i == 10 || i == 11);
+        QCOMPARE(window.helpContext(), 9);
+
+        window.FunctionSelectButton_Click(5);
+        InstructionForm *control = window.instructionForm(5);
+        QVERIFY(control && control->isVisible());
+        QCOMPARE(control->objectName(), QStringLiteral("InstructionPageFTPControls"));
+        QCOMPARE(control->findChildren<QLabel *>(QRegularExpression(QStringLiteral("^Step_\\d+$")))
+                     .size(),
+                 5);
+        for (int i = 0; i < frmMain::RingCount; ++i)
+            QCOMPARE(window.ring(i)->isShown(), i == 14 || i == 16);
+        QCOMPARE(window.ring(16)->colour(), frmMain::RingYellow);
+        QCOMPARE(window.helpContext(), 17);
+        button("AdvanceSettingFrameButton")->click();
+        QCOMPARE(window.helpContext(), 18);
+        QCOMPARE(window.findChild<QAction *>(QStringLiteral("InstrMenu_5"))->text(),
+                 QStringLiteral("FTP Controls Instructions"));
+        QVERIFY(!window.findChild<QAction *>(QStringLiteral("InstrMenu_1"))->isVisible());
     }
 
     void dosListing()

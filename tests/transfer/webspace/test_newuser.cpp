@@ -1,5 +1,7 @@
 #include "FtpControlTab.h"
 #include "FtpTestServer.h"
+#include "HelpWindow.h"
+#include "JobState.h"
 #include "SendFileFrame.h"
 #include "Settings.h"
 #include "StartupPage.h"
@@ -7,7 +9,6 @@
 #include "WebSpaceInstall.h"
 #include "cFTP.h"
 #include "frmAction.h"
-#include "HelpWindow.h"
 #include "frmMain.h"
 
 #include <QClipboard>
@@ -135,10 +136,18 @@ private slots:
             content += QByteArray::number(i) + ' ';
         writeFile(file, content);
 
-        cFTP ftp;
-        frmMain window;
-        const WebSpaceParts parts = InstallWebSpace(window, ftp);
-        frmAction::Install(&window, [&window] { window.HelpButton_Click(); });
+        JobState state;
+        cFTP ftp(state);
+        frmMain window(state);
+        InstallWebSpace(window, ftp);
+        const struct
+        {
+            FtpControlTab *tab;
+            SendFileFrame *sendFile;
+            StartupPage *page;
+        } parts{window.findChild<FtpControlTab *>(), window.findChild<SendFileFrame *>(),
+                window.findChild<StartupPage *>()};
+        frmAction::Install(state, &window, [&window] { window.HelpButton_Click(); });
         parts.page->setProgramEnd([] { QFAIL("the Configuration page ended the program"); });
 
         QTimer answerer;

@@ -55,20 +55,15 @@ private slots:
         clearFolder(m_server->homePath());
         m_fx = std::make_unique<WebSpaceFixture>();
         m_fx->window->HighLightSteps()->setChecked(true);
-        m_tab = new FtpControlTab(*m_fx->window, *m_fx->ftp, m_fx->ui, *m_fx->progress);
-        m_frame = new SendFileFrame(*m_fx->window, *m_tab);
-        m_frame->show();
+        m_tab = m_fx->install();
+        m_frame = m_fx->window->findChild<SendFileFrame *>();
+        m_fx->showFunction(2);
         m_fx->fillAccount(*m_server);
         m_loginsBefore = m_server->countCommands(QStringLiteral("USER"));
         m_mkdBefore = m_server->countCommands(QStringLiteral("MKD"));
     }
 
-    void cleanup()
-    {
-        delete m_frame;
-        delete m_tab;
-        m_fx.reset();
-    }
+    void cleanup() { m_fx.reset(); }
 
     void emptyNameAndEmptyAnswerGiveTransfer()
     {
@@ -89,7 +84,7 @@ private slots:
         QCOMPARE(m_frame->sName()->text(), QStringLiteral("Transfer"));
         QVERIFY(!m_fx->ftp->IsConnected());
         QVERIFY(m_fx->ui.messages.isEmpty());
-        QCOMPARE(JobState::instance().UserResponse, QString());
+        QCOMPARE(m_fx->state.UserResponse, QString());
     }
 
     void defaultAnswerNamesTheDirectoryByTheTime()
@@ -238,7 +233,7 @@ private slots:
         // As for a ClientRoot that is a file: the job's end, then the disconnect's rings.
         QVERIFY(m_fx->window->ring(14)->isShown());
         QVERIFY(!m_fx->window->ring(10)->isShown());
-        QVERIFY(JobState::instance().UserResponse.isEmpty());
+        QVERIFY(m_fx->state.UserResponse.isEmpty());
     }
 
     void directoryThatCantBeMadeIsTold()

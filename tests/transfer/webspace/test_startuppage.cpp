@@ -1,5 +1,6 @@
 #include "Folders.h"
 #include "FtpControlTab.h"
+#include "SendFileFrame.h"
 #include "Settings.h"
 #include "StartupPage.h"
 #include "TestMain.h"
@@ -238,9 +239,17 @@ private slots:
     void menuEntryOpensThePage()
     {
         // The window's SetupPrompt entry shows the installed page and waits for its answer.
-        frmMain window;
-        cFTP ftp;
-        const WebSpaceParts parts = InstallWebSpace(window, ftp, &m_fx->ui, m_fx->progress.get());
+        JobState state;
+        frmMain window(state);
+        cFTP ftp(state);
+        InstallWebSpace(window, ftp, &m_fx->ui, m_fx->progress.get());
+        const struct
+        {
+            FtpControlTab *tab;
+            SendFileFrame *sendFile;
+            StartupPage *page;
+        } parts{window.findChild<FtpControlTab *>(), window.findChild<SendFileFrame *>(),
+                window.findChild<StartupPage *>()};
         window.txtServer()->setText(m_server->server());
         bool shown = false;
         QTimer::singleShot(100, this, [&] {

@@ -74,9 +74,17 @@ int main(int argc, char *argv[])
     SaveSetting(QStringLiteral("FTPControlInstructionView"), QStringLiteral("Hide"));
     SaveSetting(QStringLiteral("SendFileInstructionView"), QStringLiteral("Hide"));
 
-    cFTP ftp;
-    frmMain window;
-    const WebSpaceParts parts = InstallWebSpace(window, ftp);
+    JobState state;
+    cFTP ftp(state);
+    frmMain window(state);
+    InstallWebSpace(window, ftp);
+    const struct
+    {
+        FtpControlTab *tab;
+        SendFileFrame *sendFile;
+        StartupPage *page;
+    } parts{window.findChild<FtpControlTab *>(), window.findChild<SendFileFrame *>(),
+            window.findChild<StartupPage *>()};
     window.Load();
     window.setGeometry(QGuiApplication::primaryScreen()->availableGeometry());
     window.show();

@@ -1,19 +1,17 @@
 #include "PhotoBuildInstall.h"
 
-#include "DialogTransferUi.h"
 #include "GuiJobUi.h"
 #include "HTMLMake.h"
 #include "JobState.h"
 #include "PhotoFrame.h"
 #include "PhotoFrameHistory.h"
+#include "PhotoFrameInstall.h"
 #include "PhotoPage.h"
 #include "ReadyToSendPage.h"
 #include "Settings.h"
 #include "SettingsKeys.h"
 #include "UpdatePhotoPage.h"
-#include "cFTP.h"
-#include "dlgFTP.h"
-#include "frmAction.h"
+#include "WebSpace.h"
 #include "frmMain.h"
 
 #include <QAction>
@@ -44,9 +42,8 @@ QBoxLayout *layoutHolding(QLayout *layout, QWidget *widget)
 
 } // namespace
 
-PhotoBuildController::PhotoBuildController(frmMain &window, PhotoFrame &frame, cFTP &ftp)
-    : QObject(&frame), m_window(window), m_frame(frame), m_ftp(ftp),
-      m_progress(std::make_unique<DialogTransferUi>(JobState::instance(), &window))
+PhotoBuildController::PhotoBuildController(frmMain &window, PhotoFrame &frame, WebSpace &webSpace)
+    : QObject(&frame), m_window(window), m_frame(frame), m_webSpace(webSpace)
 {
     setObjectName(QStringLiteral("PhotoBuildController"));
     m_buildAll = new QPushButton(QStringLiteral("Tarnwick Build All and send to your site"));
@@ -58,10 +55,11 @@ PhotoBuildController::PhotoBuildController(frmMain &window, PhotoFrame &frame, c
     frame.services().namePage = [this] { return namePage(); };
 }
 
-PhotoBuildController::~PhotoBuildController()
+PhotoBuildController::~PhotoBuildController() = default;
+
+PhotoPage &PhotoBuildController::page() const
 {
-    if (m_busy)
-        QApplication::restoreOverrideCursor();
+    return m_window.state().current<PhotoPage>();
 }
 
 void PhotoBuildController::addHistoryButtons()
@@ -125,9 +123,8 @@ void PhotoBuildController::cmdBuildAll_Click()
     if (m_running)
         return; // one run at a time on the one FTP session
     m_running = true;
-    JobState &state = JobState::instance();
-    TransferContext context{m_ftp, m_window.jobUi(), state, *this, *m_progress};
-    PhotoBuildJob job(PhotoPage::instance(), context, *this);
+    TransferContext context = m_webSpace.context();
+    PhotoBuildJob job(page(), context, *this);
     m_lastOutcome = job.cmdBuildAll();
     m_running = false;
     updateHistoryButtons();
@@ -138,9 +135,8 @@ bool PhotoBuildController::namePage()
     if (m_running)
         return false;
     m_running = true;
-    JobState &state = JobState::instance();
-    state.UserResponse.clear();
-    TransferContext context{m_ftp, m_window.jobUi(), state, *this, *m_progress};
+    TransferContext context = m_webSpace.context();
+    context.state.UserResponse.clear();
     const bool named = PhotoBuildJob(m_frame.page(), context, *this).BuildWebTop(true);
     m_running = false;
     return named;
@@ -151,18 +147,16 @@ void PhotoBuildController::PhotoPreviewButton_Click()
     if (m_running)
         return;
     m_running = true;
-    JobState &state = JobState::instance();
-    TransferContext context{m_ftp, m_window.jobUi(), state, *this, *m_progress};
-    PhotoBuildJob(PhotoPage::instance(), context, *this).PhotoPreviewButton();
+    TransferContext context = m_webSpace.context();
+    PhotoBuildJob(page(), context, *this).PhotoPreviewButton();
     m_running = false;
 }
 
 bool PhotoBuildController::loadSelectedHistory()
 {
-    JobState &state = JobState::instance();
     const bool loaded =
-        LoadHst2(PhotoPage::instance(), m_frame.historyPage()->selectedFile(),
-                 m_frame.readyToSend()->workingFolder(), m_window.jobUi(), state, *this);
+        LoadHst2(page(), m_frame.historyPage()->selectedFile(),
+                 m_frame.readyToSend()->workingFolder(), m_webSpace.ui(), m_window.state(), *this);
     if (loaded) {
         m_showHistory->setText(QStringLiteral("Display History List"));
         m_frame.readyToSend()->EditButtons_Click(6);
@@ -195,42 +189,7 @@ void PhotoBuildController::ShowHistoryButton_Click()
 
 void PhotoBuildController::CopyPagePointerButton_Click()
 {
-    CopyPagePointerAsLink(m_window.jobUi(), m_frame.historyPage()->pagePointer(),
-                          PhotoPage::instance().FileName);
-}
-
-FtpAccount PhotoBuildController::account() const
-{
-    return {m_window.txtServer()->text(), m_window.txtUser()->text(),
-            m_window.txtPassword()->text()};
-}
-
-void PhotoBuildController::ReloadFTPList()
-{
-    if (m_reload)
-        m_reload();
-    else
-        m_ftp.GetDirectoryListing(QStringLiteral("*.*"));
-}
-
-QString PhotoBuildController::UploadPath() const
-{
-    return m_window.UploadPath()->text();
-}
-
-void PhotoBuildController::showUploadPath(const QString &directory)
-{
-    m_window.UploadPath()->setText(m_window.txtWebSite()->text().trimmed() + directory.trimmed());
-}
-
-void PhotoBuildController::cmdDisconnect()
-{
-    if (m_disconnect) {
-        m_disconnect();
-        return;
-    }
-    m_ftp.CloseConnection();
-    m_window.setWindowTitle(QStringLiteral("Tarnwick - Ready to Connect"));
+    CopyPagePointerAsLink(m_window.jobUi(), m_frame.historyPage()->pagePointer(), page().FileName);
 }
 
 PhotoBuildOptions PhotoBuildController::options() const
@@ -307,13 +266,7 @@ void PhotoBuildController::showProgressFrame(bool show)
 
 void PhotoBuildController::setBusy(bool busy)
 {
-    if (busy == m_busy)
-        return;
-    m_busy = busy;
-    if (busy)
-        QApplication::setOverrideCursor(Qt::WaitCursor);
-    else
-        QApplication::restoreOverrideCursor();
+    m_busy.set(busy);
 }
 
 void PhotoBuildController::setCaption(const QString &caption)
@@ -343,7 +296,13 @@ void PhotoBuildController::setThumbnailPointers(const QString &pointers)
     m_frame.historyPage()->setThumbnailPointers(pointers);
 }
 
-PhotoBuildController *InstallPhotoBuild(frmMain &window, PhotoFrame &frame, cFTP &ftp)
+PhotoBuildController *InstallPhotoBuild(frmMain &window, PhotoFrame &frame, WebSpace &webSpace)
 {
-    return new PhotoBuildController(window, frame, ftp);
+    return new PhotoBuildController(window, frame, webSpace);
+}
+
+void InstallPhotoPage(frmMain &window, WebSpace &webSpace)
+{
+    PhotoFrame *frame = InstallPhotoFrame(window);
+    InstallPhotoBuild(window, *frame, webSpace);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BusyCursor.h"
 #include "PhotoBuild.h"
 #include "TransferSteps.h"
 
@@ -9,29 +10,23 @@
 #include <functional>
 #include <memory>
 
-class DialogTransferUi;
 class PhotoFrame;
 class QPushButton;
-class cFTP;
+class WebSpace;
 class frmMain;
 
 // Joins the photo page build to the main window and the Send a Photo Page frame: the Build All
 // button under the Ready to Send list, and on the Update Photo Page tab the buttons that load a
 // History file (LoadHst, ShowHistoryButton), the Preview (PhotoPreviewButton) and the copy of the
-// page's pointer as a link. The jobs see the window through this object: the account fields, the
-// FTP list, UploadPath, the progress frame, the lists of the frame.
-class PhotoBuildController final : public QObject, public TransferWindow, public PhotoBuildWindow
+// page's pointer as a link. The jobs reach the web space through webSpace and the window
+// through this object: the progress frame, the lists of the frame, the captions.
+class PhotoBuildController final : public QObject, public PhotoBuildWindow
 {
     Q_OBJECT
 public:
-    // window, frame and ftp must outlive the controller (it is a child of frame).
-    PhotoBuildController(frmMain &window, PhotoFrame &frame, cFTP &ftp);
+    // window, frame and webSpace must outlive the controller (it is a child of frame).
+    PhotoBuildController(frmMain &window, PhotoFrame &frame, WebSpace &webSpace);
     ~PhotoBuildController() override;
-
-    // The FTP tab's ReloadFTPList and cmdDisconnect, when the program has that tab; without
-    // them the list is read into cFTP alone and a disconnect closes the session.
-    void setListReloader(std::function<void()> reload) { m_reload = std::move(reload); }
-    void setDisconnector(std::function<void()> disconnect) { m_disconnect = std::move(disconnect); }
 
     void cmdBuildAll_Click();
     void PhotoPreviewButton_Click();
@@ -45,13 +40,6 @@ public:
     QPushButton *cmdBuildAll() const { return m_buildAll; }
     PhotoBuildOutcome lastOutcome() const { return m_lastOutcome; }
     QString FTP_pointer() const { return m_thumbnailPointers; }
-
-    // TransferWindow
-    FtpAccount account() const override;
-    void ReloadFTPList() override;
-    QString UploadPath() const override;
-    void showUploadPath(const QString &directory) override;
-    void cmdDisconnect() override;
 
     // PhotoBuildWindow
     PhotoBuildOptions options() const override;
@@ -76,13 +64,11 @@ private:
     void addHistoryButtons();
     bool loadSelectedHistory();
     void updateHistoryButtons();
+    PhotoPage &page() const;
 
     frmMain &m_window;
     PhotoFrame &m_frame;
-    cFTP &m_ftp;
-    std::unique_ptr<DialogTransferUi> m_progress;
-    std::function<void()> m_reload;
-    std::function<void()> m_disconnect;
+    WebSpace &m_webSpace;
     QPushButton *m_buildAll = nullptr;
     QPushButton *m_loadHst = nullptr;
     QPushButton *m_showHistory = nullptr;
@@ -90,9 +76,12 @@ private:
     QPushButton *m_copyPagePointer = nullptr;
     QString m_thumbnailPointers;
     PhotoBuildOutcome m_lastOutcome = PhotoBuildOutcome::NoImages;
-    bool m_busy = false;
+    BusyCursor m_busy;
     bool m_running = false;
 };
 
 // Makes the controller for the frame (owned by the frame) and puts its buttons in place.
-PhotoBuildController *InstallPhotoBuild(frmMain &window, PhotoFrame &frame, cFTP &ftp);
+PhotoBuildController *InstallPhotoBuild(frmMain &window, PhotoFrame &frame, WebSpace &webSpace);
+
+// Joins Send a Photo Page to the window: the frame (InstallPhotoFrame) and its build.
+void InstallPhotoPage(frmMain &window, WebSpace &webSpace);

@@ -3,8 +3,8 @@
 class PhotoFrame;
 class frmMain;
 
-// Puts the Send a Photo Page frame into the main window's first work frame and joins it to the
-// window: standard dialogs, the step rings of the photo function, the clean-up on opening, the
-// help pages of its tabs, and the image load speed field on its Settings tab. Call once, after
-// the window is constructed and before its Load. The frame works on PhotoPage::instance().
+// Joins the Send a Photo Page frame to the main window as its first function: the frame in
+// TabFrame(0), its instruction page, step rings and help pages, the clean-up on opening, and the
+// image load speed field on its Settings tab. Call once, after the window is constructed and
+// before its Load. The frame works on the window's state: its current PhotoPage record.
 PhotoFrame *InstallPhotoFrame(frmMain &window);

@@ -39,7 +39,7 @@ QPushButton *makeButton(const QString &name, const QString &caption, QWidget *pa
 FtpControlTab::FtpControlTab(frmMain &window, cFTP &ftp, JobUi &ui, TransferUi &progress,
                              QWidget *parent)
     : QWidget(parent), m_window(window), m_ftp(ftp), m_ui(ui), m_progress(progress),
-      m_state(JobState::instance())
+      m_state(window.state())
 {
     setObjectName(QStringLiteral("FtpControlTab"));
     buildLayout();

@@ -1,60 +1,82 @@
 #include "WebSpaceInstall.h"
 
-#include "DialogTransferUi.h"
 #include "FtpControlTab.h"
-#include "GuiJobUi.h"
-#include "JobState.h"
 #include "SendFileFrame.h"
 #include "StartupPage.h"
+#include "WebSpace.h"
 #include "cFTP.h"
-#include "dlgFTP.h"
 #include "frmMain.h"
 
 #include <QFrame>
-#include <QLayout>
-
-#include <memory>
 
 namespace {
 
-// Keeps the progress dialogs of the web space functions for as long as the window lives.
-class ProgressHolder final : public QObject
+FunctionInstructions sendFileInstructions()
 {
-public:
-    explicit ProgressHolder(frmMain &window)
-        : QObject(&window),
-          progress(std::make_unique<DialogTransferUi>(JobState::instance(), &window))
-    {
-    }
-    std::unique_ptr<DialogTransferUi> progress;
-};
+    return {QStringLiteral("InstructionPageSendFile"),
+            QStringLiteral("SendFileInstructionView"),
+            QStringLiteral("Send a File"),
+            QStringLiteral("Send a File Instructions"),
+            {QStringLiteral("Find the file you want to send by clicking on the button labeled "),
+             QStringLiteral("The file will be uploaded to the directory listed in the text box "
+                            "labeled "),
+             QStringLiteral("The pointer to this file is then ready to send via email either "
+                            "using the 'Take an Action' button or using the Paste command 'Ctrl "
+                            "v'.")}};
+}
 
-void place(QFrame *frame, QWidget *content)
+FunctionInstructions ftpControlInstructions()
 {
-    if (!frame->layout())
-        new QVBoxLayout(frame);
-    frame->layout()->addWidget(content);
+    return {
+        QStringLiteral("InstructionPageFTPControls"),
+        QStringLiteral("FTPControlInstructionView"),
+        QStringLiteral("FTP Control & Settings"),
+        QStringLiteral("FTP Controls Instructions"),
+        {QStringLiteral("FTP Controls and Settings have two functions. One function is to browse "
+                        "your web space and the other is to setup  Tarnwick."),
+         QStringLiteral("To browse your web space , click on the "),
+         QStringLiteral(
+             "Once connected, you can navigate your web space through double clicking on a folder "
+             "to enter the folder or double clicking on the folder with the '..' at the top of the "
+             "list to move out of the folder. The text above the table confirms the path to your "
+             "current location."),
+         QStringLiteral("Several buttons indicating various options that can be performed in your "
+                        "web space appear below the table."),
+         QStringLiteral(
+             "Refer to the manual for more information on utilizing the Advanced  Settings.")}};
 }
 
 } // namespace
 
-WebSpaceParts InstallWebSpace(frmMain &window, cFTP &ftp, JobUi *ui, TransferUi *progress)
+WebSpace &InstallWebSpace(frmMain &window, cFTP &ftp, JobUi *ui, TransferUi *progress)
 {
-    if (!ui)
-        ui = &window.jobUi();
-    if (!progress)
-        progress = (new ProgressHolder(window))->progress.get();
+    auto *webSpace = new WebSpace(window, ftp, ui, progress);
 
-    WebSpaceParts parts;
-    parts.tab = new FtpControlTab(window, ftp, *ui, *progress, window.TabFrame(5));
-    place(window.TabFrame(5), parts.tab);
-    parts.sendFile = new SendFileFrame(window, *parts.tab, window.TabFrame(2));
-    place(window.TabFrame(2), parts.sendFile);
-    parts.page = new StartupPage(window, *parts.tab, &window);
+    auto *tab = new FtpControlTab(window, ftp, webSpace->ui(), webSpace->progress());
+    webSpace->setBrowser(tab);
+    ShellFunction control;
+    control.index = 5;
+    control.content = tab;
+    control.instructions = ftpControlInstructions();
+    control.openingStep = 40;
+    control.steps = {{40, {14, 16}, {14}, {16}}, {41, {16}, {}, {16}}};
+    control.helpContext = [tab] { return tab->AdvanceSettingFrame()->isVisible() ? 18 : 17; };
+    control.defaultHelpContext = 17;
+    window.addFunction(std::move(control));
 
-    StartupPage *page = parts.page;
+    auto *sendFile = new SendFileFrame(window, *tab);
+    ShellFunction send;
+    send.index = 2;
+    send.content = sendFile;
+    send.instructions = sendFileInstructions();
+    send.openingStep = 20;
+    send.steps = {{20, {10, 11}, {10}, {}}, {21, {11}, {11}, {}}};
+    send.defaultHelpContext = 9;
+    window.addFunction(std::move(send));
+
+    auto *page = new StartupPage(window, *tab, &window);
     window.setSetupPage([page] { page->PromptForSetup(); });
     window.setFtpDirectoryProvider([&ftp] { return ftp.CurrentDirectory(); });
     window.setCloseHook([&ftp] { ftp.CloseConnection(); });
-    return parts;
+    return *webSpace;
 }

@@ -1,8 +1,6 @@
 #include "TemplateWalker.h"
 
 #include "Folders.h"
-#include "History.h"
-#include "PhotoPage.h"
 #include "RecordFile.h"
 #include "Settings.h"
 #include "TemplateState.h"
@@ -74,16 +72,16 @@ QString photoListEntry(const TemplateState &state)
 std::optional<QString> photoInformation(TemplateState &state)
 {
     const QString entry = photoListEntry(state);
-    if (!state.photoPage) {
+    if (!state.photoInfo) {
         state.lastError = QStringLiteral("No photo page record");
         return std::nullopt;
     }
-    const int row = FindPhoto(*state.photoPage, RemoveGroupNumber(entry), GetGroupNumber(entry));
-    if (!PhotoPage::isRow(row)) {
+    const std::optional<QString> info = state.photoInfo(entry);
+    if (!info) {
         state.lastError = QStringLiteral("Subscript out of range");
         return std::nullopt;
     }
-    return EscapeMarks(state.photoPage->PhotoInfo[row]);
+    return EscapeMarks(*info);
 }
 
 QString commentPointerUrl(TemplateState &state)

@@ -1,6 +1,4 @@
 #include "Folders.h"
-#include "History.h"
-#include "PhotoPage.h"
 #include "Settings.h"
 #include "TemplateState.h"
 #include "TemplateWalker.h"
@@ -8,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QMap>
 #include <QTextStream>
 
 namespace {
@@ -420,16 +419,15 @@ private slots:
 
     void photoRowsNameTheListEntry()
     {
-        PhotoPage page;
-        page.PhotoNumber = 2;
-        page.PhotoName[0] = "Tree.jpg";
-        page.PhotoOrder[0] = "00050";
-        page.PhotoInfo[0] = "A tree!";
-        page.PhotoName[1] = "My dog.jpg";
-        page.PhotoOrder[1] = "00050";
-        page.PhotoInfo[1] = "Rex";
+        // The page's record knows two of the three pictures on the list.
+        const QMap<QString, QString> record = {{"00050_Tree.jpg", "A tree!"},
+                                               {"00050_My dog.jpg", "Rex"}};
         TemplateState state;
-        state.photoPage = &page;
+        state.photoInfo = [&record](const QString &entry) -> std::optional<QString> {
+            if (!record.contains(entry))
+                return std::nullopt;
+            return record.value(entry);
+        };
         state.File3 = QStringList{"00050_My dog.jpg", "00050_Tree.jpg", "00007_Stray.jpg"};
         state.CurrentPhotoRow = 0;
         QCOMPARE(GetActionData("!!PHOTO_SmlFileName!!", state), QString("Sml_00050_My%20dog.jpg"));

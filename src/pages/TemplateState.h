@@ -3,7 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-struct PhotoPage;
+#include <functional>
+#include <optional>
 
 // Everything the placeholders of a page template read besides the settings store. A builder
 // fills the part it owns before each walk of a template; the walker reads it, and three
@@ -13,9 +14,11 @@ struct TemplateState
     // Photo page.
     QString PageTitle;
     QString PageGroupInfo;
-    QStringList File3;                    // the Ready to Send list as shown (group number + name)
-    int CurrentPhotoRow = 0;              // row of File3 being written
-    const PhotoPage *photoPage = nullptr; // the record the photo texts come from
+    QStringList File3;       // the Ready to Send list as shown (group number + name)
+    int CurrentPhotoRow = 0; // row of File3 being written
+    // The text beside the picture of a File3 entry ("00050_Tree.jpg") as the page's record holds
+    // it; nothing when the record has no row for the entry. Unset: no record to ask.
+    std::function<std::optional<QString>(const QString &entry)> photoInfo;
 
     // The current Web Log page record.
     struct BlogPage
