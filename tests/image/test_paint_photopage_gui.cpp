@@ -6,6 +6,8 @@
 #include "SettingsKeys.h"
 #include "TestMain.h"
 #include "cDIBSection.h"
+#include "JobState.h"
+#include "WebSpace.h"
 #include "frmAction.h"
 #include "frmInputBox.h"
 #include "frmMain.h"
@@ -105,11 +107,12 @@ private slots:
         SaveSetting(SettingKey::PromptForTitle, QStringLiteral("False"));
         SaveSetting(SettingKey::PromptForDescription, QStringLiteral("False"));
 
-        cFTP ftp;
-        frmMain window;
+        JobState state;
+        cFTP ftp(state);
+        frmMain window(state);
         PhotoFrame *frame = InstallPhotoFrame(window);
-        PhotoBuildController *build = InstallPhotoBuild(window, *frame, ftp);
-        frmAction::Install(&window, [&window] { window.HelpButton_Click(); });
+        PhotoBuildController *build = InstallPhotoBuild(window, *frame, *new WebSpace(window, ftp));
+        frmAction::Install(state, &window, [&window] { window.HelpButton_Click(); });
         frame->readFolders();
         window.txtServer()->setText(server.server());
         window.txtUser()->setText(server.user());
@@ -211,7 +214,8 @@ private slots:
         QTemporaryDir dir;
         const QString photo = dir.filePath(QStringLiteral("Tree.jpg"));
         QVERIFY(makePhoto(photo, QColor(30, 140, 40)));
-        frmMain window;
+        JobState state;
+        frmMain window(state);
         InstallPhotoFrame(window); // the photo function's paint opener
 
         QPointer<frmZoom> zoom = frmZoom::ShowPicture(photo, 0);
