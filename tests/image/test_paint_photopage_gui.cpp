@@ -217,6 +217,7 @@ private slots:
         JobState state;
         frmMain window(state);
         InstallPhotoFrame(window); // the photo function's paint opener
+        window.show();
 
         QPointer<frmZoom> zoom = frmZoom::ShowPicture(photo, 0);
         auto *image = zoom->findChild<QLabel *>(QStringLiteral("Image1"));
