@@ -1,10 +1,12 @@
 #include "BuildFixture.h"
+#include "JobState.h"
 #include "PhotoBuildInstall.h"
 #include "PhotoFrame.h"
 #include "PhotoFrameInstall.h"
 #include "Settings.h"
 #include "SettingsKeys.h"
 #include "TestMain.h"
+#include "WebSpace.h"
 #include "cDIBSection.h"
 #include "JobState.h"
 #include "WebSpace.h"
@@ -217,6 +219,7 @@ private slots:
         JobState state;
         frmMain window(state);
         InstallPhotoFrame(window); // the photo function's paint opener
+        window.show();
 
         QPointer<frmZoom> zoom = frmZoom::ShowPicture(photo, 0);
         auto *image = zoom->findChild<QLabel *>(QStringLiteral("Image1"));
@@ -237,6 +240,18 @@ private slots:
         order << QStringLiteral("returned");
         QCOMPARE(order, QStringList({photo, QStringLiteral("closed"), QStringLiteral("returned")}));
         zoom->close();
+
+        // The Tools menu's Paint: the paint window alone, with an empty picture.
+        auto *menuPaint = window.findChild<QAction *>(QStringLiteral("mnuPaint"));
+        QVERIFY(menuPaint);
+        QCOMPARE(menuPaint->text(), QStringLiteral("&Paint"));
+        menuPaint->trigger();
+        QPointer<frmPaint> alone = openPaintWindow();
+        QVERIFY(alone);
+        QCOMPARE(alone->windowTitle(), QStringLiteral("untitled - Paint"));
+        QCOMPARE(alone->document().picture().pixel(3, 3), qRgb(255, 255, 255));
+        alone->close();
+        QTRY_VERIFY(!alone);
     }
 };
 
