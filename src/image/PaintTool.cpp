@@ -3,6 +3,7 @@
 #include "PaintTools.h"
 #include "ToolDrawing.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 void StrokeTool::press(PaintToolContext &context, const ToolEvent &event)
@@ -149,14 +150,14 @@ void SelectionTool::release(PaintToolContext &context, const ToolEvent &event)
         return;
     }
     // Inside the frame: the box less one pixel each way.
-    const QRect box = QRect(m_start, m_end).normalized();
+    const QRect box(QPoint(std::min(m_start.x(), m_end.x()), std::min(m_start.y(), m_end.y())),
+                    QPoint(std::max(m_start.x(), m_end.x()), std::max(m_start.y(), m_end.y())));
     context.selectArea(box.adjusted(1, 1, -1, -1));
 }
 
 namespace {
 
-template <class Tool>
-std::function<std::unique_ptr<PaintTool>()> maker()
+template <class Tool> std::function<std::unique_ptr<PaintTool>()> maker()
 {
     return [] { return std::make_unique<Tool>(); };
 }

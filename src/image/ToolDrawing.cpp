@@ -1,5 +1,7 @@
 #include "ToolDrawing.h"
 
+#include <algorithm>
+
 #include <QPainterPath>
 
 #include <cmath>
@@ -8,9 +10,12 @@ namespace {
 
 constexpr double Pi = 3.14159265358979;
 
+// The box with corners a and b, both inside, whichever way it was dragged (QRect::normalized
+// would leave out the corners of a box dragged up or left).
 QRect boxOf(QPoint a, QPoint b)
 {
-    return QRect(a, b).normalized();
+    return QRect(QPoint(std::min(a.x(), b.x()), std::min(a.y(), b.y())),
+                 QPoint(std::max(a.x(), b.x()), std::max(a.y(), b.y())));
 }
 
 } // namespace
@@ -56,8 +61,7 @@ FigurePen BandPen(const PaintToolContext &context, bool fills)
 
 QPen MakePen(int colour, int width, int style)
 {
-    QPen pen(ColorOfNumber(colour), std::max(1, width), Qt::SolidLine, Qt::RoundCap,
-             Qt::RoundJoin);
+    QPen pen(ColorOfNumber(colour), std::max(1, width), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
     // Styled lines are one pixel wide; a wider pen is solid whatever its style.
     if (width <= 1) {
         switch (style) {
