@@ -25,9 +25,9 @@ void FillTool::press(PaintToolContext &context, const ToolEvent &event)
 {
     if (event.button != Qt::LeftButton)
         return;
-    const QRect filled = FloodFillSurface(context.surface(), event.pos,
-                                          ColorOfNumber(context.foreColor()).rgb(),
-                                          FillPatternRows(context.fillStyle()));
+    const QRect filled =
+        FloodFillSurface(context.surface(), event.pos, ColorOfNumber(context.foreColor()).rgb(),
+                         FillPatternRows(context.fillStyle()));
     if (!filled.isEmpty())
         context.surfaceChanged(filled);
 }
@@ -69,8 +69,7 @@ void HandTool::release(PaintToolContext &context, const ToolEvent &)
 
 // --- Text
 
-QRect PrintText(QImage &picture, QPoint topLeft, const QString &text, const QFont &font,
-                int colour)
+QRect PrintText(QImage &picture, QPoint topLeft, const QString &text, const QFont &font, int colour)
 {
     QFont plain = font;
     plain.setStyleStrategy(QFont::NoAntialias);
@@ -81,8 +80,8 @@ QRect PrintText(QImage &picture, QPoint topLeft, const QString &text, const QFon
     painter.setPen(ColorOfNumber(colour));
     const QFontMetrics metrics(plain, &picture);
     painter.drawText(QPoint(topLeft.x(), topLeft.y() + metrics.ascent()), text);
-    return QRect(topLeft, QSize(metrics.horizontalAdvance(text) + metrics.maxWidth(),
-                                metrics.height()))
+    return QRect(topLeft,
+                 QSize(metrics.horizontalAdvance(text) + metrics.maxWidth(), metrics.height()))
         .adjusted(-2, -2, 2, 2);
 }
 

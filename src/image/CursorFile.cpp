@@ -93,8 +93,8 @@ CursorImage ParseCursor(const QByteArray &bytes)
     bool anyAlpha = false;
     for (int y = 0; y < height; ++y) {
         const int row = height - 1 - y; // stored bottom up
-        const auto *in = reinterpret_cast<const uchar *>(dib.constData()) + colours +
-                         colourStride * row;
+        const auto *in =
+            reinterpret_cast<const uchar *>(dib.constData()) + colours + colourStride * row;
         const auto *andBits = reinterpret_cast<const uchar *>(dib.constData()) + mask +
                               qsizetype(maskStride(width)) * row;
         auto *out = reinterpret_cast<QRgb *>(image.scanLine(y));

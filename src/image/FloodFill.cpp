@@ -39,8 +39,7 @@ struct MarkInMask
 // The span fill: each entry is a run of a row to look at, coming from the row dy before it.
 // A run that reaches beyond its parent's ends sends a run back the other way, so an area of
 // any shape is filled, and every pixel is looked at a small number of times.
-template <class Area>
-QRect spanFill(Area &area, int w, int h, int sx, int sy)
+template <class Area> QRect spanFill(Area &area, int w, int h, int sx, int sy)
 {
     struct Run
     {

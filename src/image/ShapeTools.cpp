@@ -20,8 +20,7 @@ void LineTool::drawClick(PaintToolContext &context, QPoint at)
     FigurePainter(context, FinalPen(context, false)).dot(at);
 }
 
-void RectangleTool::drawFigure(PaintToolContext &context, QPoint start, QPoint end,
-                               FigureMode mode)
+void RectangleTool::drawFigure(PaintToolContext &context, QPoint start, QPoint end, FigureMode mode)
 {
     FigurePainter(context, penFor(context, mode, true)).box(start, end);
 }

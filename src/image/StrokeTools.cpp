@@ -62,8 +62,8 @@ QList<QPoint> AirBrushSpray(int x, int y, int size, std::uint64_t seed)
     for (int i = 0; i < count; ++i) {
         const double r1 = random.generateDouble();
         const double r2 = random.generateDouble();
-        dots.append(QPoint(int(std::floor(x - half + size * r1)),
-                           int(std::floor(y - half + size * r2))));
+        dots.append(
+            QPoint(int(std::floor(x - half + size * r1)), int(std::floor(y - half + size * r2))));
     }
     return dots;
 }

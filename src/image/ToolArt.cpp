@@ -139,7 +139,7 @@ void drawSprayCan(QPainter &p)
 {
     p.setPen(Qt::NoPen);
     p.setBrush(Ink);
-    const QPointF dots[] = {{6, 6},   {3, 4},   {8, 3},   {4, 8},   {9, 7},   {2, 7},
+    const QPointF dots[] = {{6, 6},   {3, 4},   {8, 3},    {4, 8},   {9, 7},    {2, 7},
                             {6, 1.8}, {1.8, 2}, {10, 4.5}, {7, 9.8}, {3.5, 10}, {10.5, 9}};
     for (const QPointF &dot : dots)
         p.drawEllipse(dot, 0.9, 0.9);

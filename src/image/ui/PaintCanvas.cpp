@@ -297,8 +297,8 @@ bool PaintCanvas::bezierEvent(int index, QEvent *event)
         const QPoint moved = mouse->globalPosition().toPoint() - m_bezierLast;
         const QPoint delta(int(moved.x() / zoom), int(moved.y() / zoom));
         if (!delta.isNull()) {
-            m_bezierLast += QPoint(int(std::lround(delta.x() * zoom)),
-                                   int(std::lround(delta.y() * zoom)));
+            m_bezierLast +=
+                QPoint(int(std::lround(delta.x() * zoom)), int(std::lround(delta.y() * zoom)));
             m_document.dragHandle(index, delta);
         }
         return true;

@@ -150,8 +150,8 @@ PaintToolBox::PaintToolBox(QWidget *parent) : QWidget(parent)
             QStringLiteral("shpDot_%1").arg(i), QSize(56, 12),
             [i](QPainter &p, QRect box) {
                 p.setPen(Qt::NoPen);
-                p.drawRect(QRect(box.left() + 6, box.center().y() - i / 2, box.width() - 12,
-                                 i + 1));
+                p.drawRect(
+                    QRect(box.left() + 6, box.center().y() - i / 2, box.width() - 12, i + 1));
             },
             m_dotFrame);
         mark->setToolTip(QStringLiteral("%1 pixels wide").arg(i + 1));

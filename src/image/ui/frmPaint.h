@@ -24,8 +24,9 @@ class QScrollArea;
 // "Tarnwick Paint": the paint window. It shows a PaintDocument (the picture, its undo ring, the
 // floating selection, the zoom) in picPaint, offers its commands in the File, Edit, Format,
 // Effect and Filter menus, its eighteen tools with their option frames in the tool box at the
-// left (optTools) and its colours in the bar below (lblForeColor, lblFillColor, lblColor). Long work (opening, saving, filters, effects) runs off the window's
-// thread while the window repaints; the status bar then shows its progress and a Cancel button.
+// left (optTools) and its colours in the bar below (lblForeColor, lblFillColor, lblColor). Long
+// work (opening, saving, filters, effects) runs off the window's thread while the window repaints;
+// the status bar then shows its progress and a Cancel button.
 //
 // Opened by the photo function with a picture (OpenPaint) or alone with an empty one. The
 // window deletes itself when closed.

@@ -166,9 +166,9 @@ void frmPaint::buildMenus()
         const int number = entry.number;
         addItem(filters, QLatin1String(entry.menuName), QLatin1String(entry.caption),
                 [&doc, number] { doc.ApplyFilter(number); });
-        QAction *a = addItem(brushFilters, QStringLiteral("mnuTFilter_%1").arg(number),
-                             QLatin1String(entry.caption),
-                             [&doc, number] { doc.setFilterNumber(number); });
+        QAction *a =
+            addItem(brushFilters, QStringLiteral("mnuTFilter_%1").arg(number),
+                    QLatin1String(entry.caption), [&doc, number] { doc.setFilterNumber(number); });
         a->setCheckable(true);
         a->setChecked(number == doc.filterNumber());
         brushFilterGroup->addAction(a);
