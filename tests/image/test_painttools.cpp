@@ -527,6 +527,63 @@ private slots:
         QVERIFY(p.undoPosition() != position);
     }
 
+    void textBoxMovesAfterAPressOnItAndPrintsWhenLeft()
+    {
+        PaintDriver p;
+        p.tool(8);
+        const QImage blank = p.picture();
+        p.click({40, 40});
+        auto *box = p.window->findChild<QLineEdit *>(QStringLiteral("txtText"));
+        QTest::keyClicks(box, QStringLiteral("Moved"));
+        // A press on the box, then on the picture: the box goes there with its text.
+        QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(3, 3));
+        p.click({150, 120});
+        QVERIFY(box->isVisible());
+        QCOMPARE(box->pos(), QPoint(150, 120));
+        QCOMPARE(box->text(), QStringLiteral("Moved"));
+        QCOMPARE(changed(blank, p.picture()).count, 0);
+        // Typing again, then leaving the box: the text is printed where the box stands.
+        QTest::keyClicks(box, QStringLiteral("!"));
+        const int position = p.undoPosition();
+        p.window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(p.window));
+        box->setFocus();
+        QVERIFY(box->hasFocus());
+        p.pic->setFocus();
+        QVERIFY(!box->isVisible());
+        const Change c = changed(blank, p.picture());
+        QVERIFY(c.count > 10);
+        QVERIFY(c.box.left() >= 150 && c.box.top() >= 120);
+        QVERIFY(p.undoPosition() != position);
+    }
+
+    void choosingAnotherToolFinishesTheOpenPolygon()
+    {
+        PaintDriver p;
+        p.tool(12);
+        const QImage blank = p.picture();
+        const int position = p.undoPosition();
+        p.click({50, 50});
+        p.click({150, 50});
+        p.click({100, 120});
+        p.tool(5);
+        QCOMPARE(p.doc().CurrentTool(), 5);
+        const Change c = changed(blank, p.picture());
+        QCOMPARE(c.box, QRect(QPoint(50, 50), QPoint(150, 120)));
+        QVERIFY(changedTo(blank, p.picture(), Black));
+        QVERIFY(p.undoPosition() != position);
+    }
+
+    void selectAreaWithShiftSelectsASquare()
+    {
+        PaintDriver p;
+        p.tool(0);
+        p.drag({50, 50}, {150, 90}, Qt::ShiftModifier);
+        QVERIFY(p.doc().selection().visible);
+        const QSize size = p.doc().selection().image.size();
+        QCOMPARE(size.width(), size.height());
+    }
+
     void filterBrushWorksInsideThePictureOnly()
     {
         QTemporaryDir dir;
