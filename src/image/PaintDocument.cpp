@@ -155,13 +155,14 @@ bool PaintDocument::askToSave()
 
 void PaintDocument::newPicture()
 {
+    // What the tool has open ends on the old picture, not on the new one.
+    if (m_tool)
+        m_tool->finish(*this);
     ResetZoom();
     if (m_picture.isNull())
         m_picture = QImage(1, 1, QImage::Format_RGB32);
     fillBackground(m_picture, m_picture.rect());
     m_pictureFile.clear();
-    if (m_tool)
-        m_tool->finish(*this);
     m_selection = Selection();
     m_selectionLifted = false;
     ResetImageBuffer();
@@ -178,6 +179,7 @@ void PaintDocument::StartUp()
 
 bool PaintDocument::mnuNew_Click()
 {
+    FinishTool(); // an open figure is part of the picture the question is about
     if (!askToSave())
         return false;
     newPicture();
@@ -186,6 +188,7 @@ bool PaintDocument::mnuNew_Click()
 
 bool PaintDocument::mnuOpen_Click()
 {
+    FinishTool();
     if (!askToSave())
         return false;
     const QString path = m_host.chooseOpenFile();
@@ -197,7 +200,10 @@ bool PaintDocument::mnuOpen_Click()
 
 bool PaintDocument::mnuOpen_My_Click(const QString &path)
 {
-    if (path.isEmpty() || !askToSave())
+    if (path.isEmpty())
+        return false;
+    FinishTool();
+    if (!askToSave())
         return false;
     newPicture();
     return load(path);

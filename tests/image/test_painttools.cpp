@@ -574,6 +574,34 @@ private slots:
         QVERIFY(p.undoPosition() != position);
     }
 
+    void newEndsTheOpenCurveOnTheOldPicture()
+    {
+        PaintDriver p;
+        p.tool(13);
+        p.click({150, 150});
+        QStringList asked;
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [&asked] {
+            for (QWidget *w : QApplication::topLevelWidgets())
+                if (auto *box = qobject_cast<QMessageBox *>(w); box && box->isVisible()) {
+                    asked << box->text();
+                    box->button(QMessageBox::No)->click();
+                }
+        });
+        timer.start(5);
+        // The curve is drawn for good first, so the picture has changes to ask about.
+        QVERIFY(p.doc().mnuNew_Click());
+        timer.stop();
+        QCOMPARE(asked.size(), 1);
+        QImage blank(p.picture().size(), QImage::Format_RGB32);
+        blank.fill(Qt::white);
+        QCOMPARE(changed(blank, p.picture()).count, 0);
+        QVERIFY(!p.window->findChild<QWidget *>(QStringLiteral("imgBezier_0"))->isVisible());
+        // Nothing of the old curve comes back on ENTER.
+        QTest::keyClick(p.pic, Qt::Key_Return);
+        QCOMPARE(changed(blank, p.picture()).count, 0);
+    }
+
     void selectAreaWithShiftSelectsASquare()
     {
         PaintDriver p;
