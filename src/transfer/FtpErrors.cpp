@@ -72,6 +72,13 @@ bool turnedAwayAtLogin(const QList<FtpReply> &replies, bool openedSession)
                         [](const FtpReply &reply) { return reply.code == 230; });
 }
 
+// The server's last words refuse the request, or are no answer of FTP at all (a code out of its
+// range, which the library does not take for a reply and so waits on): its text is the message.
+bool saidNo(const FtpReply &last)
+{
+    return !last.lines.isEmpty() && (last.code >= 400 || !last.codeInRange());
+}
+
 } // namespace
 
 int NumberFor(CURLcode code, const FtpConnection &connection)
@@ -107,7 +114,7 @@ int NumberFor(CURLcode code, const QList<FtpReply> &replies, bool openedSession)
         // The library reports a server's 421 ("closing control connection") as a time-out.
         if (last.code == 421)
             return turnedAwayAtLogin(replies, openedSession) ? 12015 : ExtendedError;
-        return 12002;
+        return !last.codeInRange() && saidNo(last) ? ExtendedError : 12002;
     case CURLE_FTP_ACCEPT_TIMEOUT:
         return 12002;
     case CURLE_URL_MALFORMAT:
@@ -143,7 +150,7 @@ int NumberFor(CURLcode code, const QList<FtpReply> &replies, bool openedSession)
         if (turnedAwayAtLogin(replies, openedSession))
             return 12015;
         // A server that closes the control connection mid-request leaves a reply missing.
-        return last.code >= 400 ? ExtendedError : 12030;
+        return saidNo(last) ? ExtendedError : 12030;
     case CURLE_READ_ERROR:
     case CURLE_WRITE_ERROR:
         return 12004;
@@ -157,13 +164,13 @@ int NumberFor(CURLcode code, const QList<FtpReply> &replies, bool openedSession)
     case CURLE_REMOTE_FILE_EXISTS:
         return ExtendedError;
     default:
-        return last.code >= 400 ? ExtendedError : 12004;
+        return saidNo(last) ? ExtendedError : 12004;
     }
 }
 
 QString ServerText(const FtpReply &reply)
 {
-    if (reply.code == 0 || reply.codeInRange())
+    if (reply.lines.isEmpty() || reply.codeInRange())
         return reply.text();
     return QStringLiteral("The server answered with a code that FTP does not have: ") +
            reply.text();

@@ -140,6 +140,13 @@ private slots:
             << int(CURLE_WEIRD_SERVER_REPLY) << QByteArray("250 Ok\r\n") << false << 12030;
         QTest::newRow("odd code") << int(CURLE_WEIRD_SERVER_REPLY)
                                   << QByteArray("250 Ok\r\n999 Odd\r\n") << false << 12003;
+        QTest::newRow("no answer of FTP, then the library's time-out")
+            << int(CURLE_OPERATION_TIMEDOUT) << QByteArray("250 Ok\r\n000 Fine\r\n") << false
+            << 12003;
+        QTest::newRow("time-out") << int(CURLE_OPERATION_TIMEDOUT) << QByteArray("250 Ok\r\n")
+                                  << false << 12002;
+        QTest::newRow("odd code and a cut")
+            << int(CURLE_RECV_ERROR) << QByteArray("250 Ok\r\n000 Fine\r\n") << false << 12030;
         QTest::newRow("nothing said") << int(CURLE_RECV_ERROR) << QByteArray() << true << 12030;
         QTest::newRow("done") << int(CURLE_OK) << QByteArray("226 Done\r\n") << false << 0;
     }

@@ -165,7 +165,14 @@ class Session(threading.Thread):
         self.reply('257 "%s" created.' % arg)
 
     def do_SIZE(self, arg):
-        self.reply("550 Not a plain file.")
+        if "hostile-names" in Options.faults:
+            self.reply("213 %d" % len(b"fetched " + arg.encode("utf-8", "replace")))
+            return
+        path = os.path.join(Options.home, self.cwd.lstrip("/"), arg)
+        if os.path.isfile(path):
+            self.reply("213 %d" % os.path.getsize(path))
+        else:
+            self.reply("550 Not a plain file.")
 
     def do_MDTM(self, arg):
         self.reply("550 Not a plain file.")
