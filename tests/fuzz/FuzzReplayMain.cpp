@@ -1,6 +1,7 @@
 // The main of a fuzz target built without libFuzzer: runs the target once on every file named on
 // the command line, or in the folders named there, so that the normal suite replays each seed
-// and each input that once broke a reader.
+// and each input that once broke a reader. A path after "--if-present" may be missing (a target
+// whose reader has never been broken has no folder of regressions).
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -34,8 +35,18 @@ int main(int argc, char *argv[])
     LLVMFuzzerInitialize(&argc, &argv);
     int inputs = 0;
     int failures = 0;
+    bool ifPresent = false;
     for (int i = 1; i < argc; ++i) {
         const QString path = QString::fromLocal8Bit(argv[i]);
+        if (path == QLatin1String("--if-present")) {
+            ifPresent = true;
+            continue;
+        }
+        if (ifPresent && !QFileInfo::exists(path)) {
+            ifPresent = false;
+            continue;
+        }
+        ifPresent = false;
         if (QFileInfo(path).isDir()) {
             QDirIterator it(path, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
             QStringList files;
