@@ -88,6 +88,7 @@ bool CopyPhotos(const QString &target, bool keep, const CopyPhotosInput &input,
     const double smallPercent = NumericValue(input.My_resize_0);
     const int threads =
         input.threads > 0 ? input.threads : std::max(1, QThread::idealThreadCount());
+    const auto sizer = input.sizer ? input.sizer : decltype(input.sizer)(SizePhoto);
 
     // A pool of the job's own: Qt's painting borrows the global pool's threads to fill large
     // areas, and a global pool busy with sizing would hold up every repaint of the window.
@@ -131,7 +132,7 @@ bool CopyPhotos(const QString &target, bool keep, const CopyPhotosInput &input,
             }
             FindPhoto(page, RemoveGroupNumber(entry), GetGroupNumber(entry));
             row.watcher = std::make_unique<QFutureWatcher<SizeResult>>();
-            row.watcher->setFuture(QtConcurrent::run(&pool, SizePhoto, source, row.largePath,
+            row.watcher->setFuture(QtConcurrent::run(&pool, sizer, source, row.largePath,
                                                      largePercent, row.smallPath, smallPercent));
             inFlight.push_back(std::move(row));
         }

@@ -197,8 +197,9 @@ private slots:
 
         ScriptedUi ui;
         JobState state;
-        QVERIFY(
-            CopyPhotos(pageFolder, true, CopyPhotosInput{work, "15", "30", 0}, page, ui, state));
+        CopyPhotosInput input;
+        input.ChoosenUploadPath = work;
+        QVERIFY(CopyPhotos(pageFolder, true, input, page, ui, state));
         const QString html =
             buildPage(work, page, "Trip to NY May 2007", "A week in the city, twelve photos!");
         QFile out(pageFolder + "/Photos.htm");

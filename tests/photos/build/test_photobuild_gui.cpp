@@ -10,6 +10,7 @@
 #include "Settings.h"
 #include "SettingsKeys.h"
 #include "TestMain.h"
+#include "TestWidgets.h"
 #include "WebSpace.h"
 #include "frmAction.h"
 #include "frmInputBox.h"
@@ -108,10 +109,7 @@ private:
 
     static QPushButton *button(QWidget *root, const QString &name)
     {
-        auto *found = root->findChild<QPushButton *>(name);
-        if (!found)
-            qWarning("no button %s", qPrintable(name));
-        return found;
+        return TestWidgets::child<QPushButton>(root, name);
     }
 
     // Copies one picture of File2 with the copy button of index, in group.
