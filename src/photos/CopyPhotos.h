@@ -17,9 +17,11 @@ struct CopyPhotosInput
     QString My_resize_0 = QStringLiteral("15"); // thumbnail, % of the picture
     QString My_resize_1 = QStringLiteral("30"); // enlarged copy, % of the picture
     int threads = 0;                            // pictures sized at once; 0: one per processor core
+    JpegOptions jpeg;                           // how the JPEG copies are written
     // Sizes one picture on a worker thread: SizePhoto, unless the caller brings a routine that
     // wraps it (to watch the work as it goes). Called with the arguments of SizePhoto.
-    std::function<SizeResult(const QString &, const QString &, double, const QString &, double)>
+    std::function<SizeResult(const QString &, const QString &, double, const QString &, double,
+                             JpegOptions)>
         sizer;
 };
 

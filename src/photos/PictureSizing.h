@@ -6,11 +6,13 @@
 
 #include <array>
 
-// Reading, scaling and writing the pictures of a photo page. Pure functions of files and images:
-// safe to call from a worker thread, never touch the event loop or the user.
-
-// Every picture is read with its EXIF orientation applied. A decoded picture may take at most
-// this many bytes; a larger one is read at a reduced scale or refused.
+// Reading, scaling and writing the pictures of a photo page and of a Web Log's sections. Pure
+// functions of files and images: safe to call from a worker thread, never touch the event loop or
+// the user.
+//
+// Every picture is read upright (the file's orientation applied once) with its colours in sRGB.
+// A decoded picture may take at most this many bytes; a larger one is read at a reduced scale or
+// refused.
 inline constexpr qint64 PictureMemoryBudget = 256LL * 1024 * 1024;
 
 // The size of a copy at percent of size, sides scaled alike, at least one pixel each.
@@ -25,14 +27,15 @@ struct PictureResult
 
 // The picture's size as shown (orientation applied); invalid when it can't be read.
 QSize PictureSize(const QString &path, QString *error = nullptr);
-// Reads the picture at path, orientation applied. When atLeast is valid, a JPEG is decoded at
-// the smallest of 1/1, 1/2, 1/4, 1/8 of its size that still covers atLeast, so the full-size
-// picture is never held in memory when a smaller copy is wanted.
+// Reads the picture at path, upright and in sRGB. When atLeast is valid, a JPEG is decoded at
+// the smallest of n/8 of its size (n from 1 to 8) that still holds twice atLeast on each side,
+// so the full-size picture is never held in memory when a smaller copy is wanted, and the filter
+// that takes it the rest of the way has room to work.
 PictureResult LoadPicture(const QString &path, QSize atLeast = QSize());
 
-// The picture scaled smoothly to percent of its size.
+// The picture scaled to percent of its size (Lanczos, see Resample.h).
 QImage ApplyEffect(const QImage &image, double percent);
-// The picture scaled smoothly to exactly size.
+// The picture scaled to exactly size (Lanczos, see Resample.h).
 QImage ScaleTo(const QImage &image, QSize size);
 
 struct SaveResult
@@ -41,13 +44,22 @@ struct SaveResult
     QString message; // the text to show the user; empty when the failure is a silent one
 };
 
+// How a JPEG copy is written: the first quality tried (the writer is given the next lower one
+// down to 50 when it refuses one), and whether the file is progressive. At quality 100 the file
+// is always a baseline one, the same bytes as ever.
+struct JpegOptions
+{
+    int quality = 100;
+    bool progressive = false;
+};
+
 // Writes image to path in the format that path asks for: a path holding ".gif" (any case) gets
-// a GIF, one holding ".jpg" a JPEG at the best quality from 100 down to 50 that the writer takes,
-// anything else a bitmap. The file is made under a temporary name beside it and then put in
-// place. A JPEG that can't be written at any quality leaves neither file and gives
-// "Error in file conversion. Retry.( Error n - text)"; a GIF that can't be written leaves the
-// bitmap under the ".gif" name, without a message.
-SaveResult savepic(const QImage &image, const QString &path);
+// a GIF, one holding ".jpg" a JPEG (a transparent picture laid on white), anything else a
+// bitmap. A JPEG is made as the part of the path before ".jpg" followed by "_tmp.jpg", a GIF
+// likewise with "_tmp.gif", and then put in place of path. A JPEG that can't be written at any
+// quality leaves neither file and gives "Error in file conversion. Retry.( Error n - text)"; a
+// GIF that can't be written leaves the bitmap under the ".gif" name, without a message.
+SaveResult savepic(const QImage &image, const QString &path, JpegOptions jpeg = {});
 
 // One row of CopyPhotos: the enlarged copy at largePercent and the thumbnail at smallPercent of
 // source, each scaled from the picture itself (the source is decoded once, at the scale the
@@ -59,15 +71,17 @@ struct SizeResult
     QString smallMessage; // and for the thumbnail
 };
 SizeResult SizePhoto(const QString &source, const QString &largePath, double largePercent,
-                     const QString &smallPath, double smallPercent);
+                     const QString &smallPath, double smallPercent, JpegOptions jpeg = {});
 
-// One copy of source at percent, written to target (the Web Log's picture).
+// One copy of source at percent, written to target (the Web Log's section picture): decoded
+// once at the scale the copy needs, scaled, and written by savepic with jpeg.
 struct CopyResult
 {
     QString loadError; // the picture couldn't be read: nothing was written
     QString message;   // savepic's message
 };
-CopyResult SizeOneCopy(const QString &source, const QString &target, double percent);
+CopyResult SizeOneCopy(const QString &source, const QString &target, double percent,
+                       JpegOptions jpeg = {});
 
 // The percentage boxes: a value below 2 becomes "2", one above 120 "120"; others stay as typed.
 QString LimitResizeText(const QString &text);

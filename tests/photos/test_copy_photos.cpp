@@ -276,13 +276,13 @@ private slots:
         CopyPhotosInput in = input();
         in.threads = threads;
         in.sizer = [&](const QString &source, const QString &large, double largePercent,
-                       const QString &small, double smallPercent) {
+                       const QString &small, double smallPercent, JpegOptions jpeg) {
             if (QThread::currentThread() == qApp->thread() || !ticks.awaitTicks()) {
                 ++starved;
                 return SizeResult{QStringLiteral("the event loop was not served"), {}, {}};
             }
             ++served;
-            return SizePhoto(source, large, largePercent, small, smallPercent);
+            return SizePhoto(source, large, largePercent, small, smallPercent, jpeg);
         };
         ScriptedUi ui;
         int ticksBetweenPictures = 0;
