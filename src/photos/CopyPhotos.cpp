@@ -171,3 +171,14 @@ bool CopyPhotos(const QString &target, bool keep, const CopyPhotosInput &input,
     }
     return ok;
 }
+
+QString CopyToReadyListLive(const QString &source, const QString &target)
+{
+    QFutureWatcher<QString> watcher;
+    QEventLoop loop;
+    QObject::connect(&watcher, &QFutureWatcherBase::finished, &loop, &QEventLoop::quit);
+    watcher.setFuture(QtConcurrent::run(CopyToReadyList, source, target));
+    if (!watcher.isFinished())
+        loop.exec();
+    return watcher.result();
+}

@@ -35,3 +35,7 @@ struct CopyPhotosInput
 // only read.
 bool CopyPhotos(const QString &target, bool keep, const CopyPhotosInput &input,
                 const PhotoPage &page, JobUi &ui, JobState &state);
+
+// CopyToReadyList (PictureSizing.h) on a worker thread while this call waits with the event loop
+// live: converting a large picture takes seconds. Returns its message; empty on success.
+QString CopyToReadyListLive(const QString &source, const QString &target);

@@ -14,6 +14,7 @@ struct PictureHeader
     QSize stored;                                   // the pixels as stored
     QImageIOHandler::Transformations transformation; // what turns them upright
     bool reducesWhileDecoding = false; // the decoder can give a smaller picture directly (JPEG)
+    bool heif = false;                 // a HEIF container (HEIC): libheif turns it upright
     QString error;                     // why the file can't be read; empty when it can
 
     bool ok() const { return error.isEmpty(); }

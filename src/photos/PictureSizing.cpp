@@ -7,6 +7,7 @@
 #include "Resample.h"
 
 #include <QColorSpace>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
@@ -254,6 +255,56 @@ CopyResult SizeOneCopy(const QString &source, const QString &target, double perc
     return result;
 }
 
+bool IsConvertedSource(const QString &name)
+{
+    static const QStringList extensions = {
+        QStringLiteral("heic"), QStringLiteral("heif"), QStringLiteral("webp"),
+        QStringLiteral("png"),  QStringLiteral("tif"),  QStringLiteral("tiff")};
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    return dot >= 0 && extensions.contains(name.mid(dot + 1).toLower());
+}
+
+QString ReadyListName(const QString &sourceName)
+{
+    if (!IsConvertedSource(sourceName))
+        return sourceName;
+    return sourceName.left(sourceName.lastIndexOf(QLatin1Char('.'))) + QStringLiteral(".jpg");
+}
+
+QString FindSourceOf(const QString &folder, const QString &name)
+{
+    if (QFileInfo(folder + QLatin1Char('/') + name).isFile())
+        return folder + QLatin1Char('/') + name;
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    if (dot < 0 || name.mid(dot).compare(QLatin1String(".jpg"), Qt::CaseInsensitive) != 0)
+        return QString();
+    const QString base = name.left(dot);
+    const QStringList candidates =
+        QDir(folder).entryList({base + QStringLiteral(".*")}, QDir::Files, QDir::Name);
+    for (const QString &candidate : candidates) {
+        if (IsConvertedSource(candidate) &&
+            candidate.left(candidate.lastIndexOf(QLatin1Char('.'))) == base)
+            return folder + QLatin1Char('/') + candidate;
+    }
+    return QString();
+}
+
+QString CopyToReadyList(const QString &source, const QString &target)
+{
+    if (!IsConvertedSource(QFileInfo(source).fileName())) {
+        if (!QFileInfo(source).isFile())
+            return QStringLiteral("File not found: ") + source;
+        DoKill(target);
+        return QFile::copy(source, target) ? QString()
+                                           : QStringLiteral("The file could not be copied: ") +
+                                                 QDir::toNativeSeparators(target);
+    }
+    const PictureResult picture = LoadPicture(source);
+    if (!picture.ok())
+        return picture.error;
+    return savepic(picture.image, target).message;
+}
+
 QString LimitResizeText(const QString &text)
 {
     const double number = NumericValue(text);
@@ -310,17 +361,51 @@ const std::array<CameraPreset, 10> &CameraTable()
     return table;
 }
 
+const std::array<CameraPreset, 3> &TodaysCameraRows()
+{
+    // 4032 x 3024, 6000 x 4000 and 8064 x 6048 pixels.
+    static const std::array<CameraPreset, 3> rows = {{
+        {10, QStringLiteral("  9%              20%"), QStringLiteral("12 mega-pixel"), "9", "20", ""},
+        {11, QStringLiteral("  6%              14%"), QStringLiteral("24 mega-pixel"), "6", "14", ""},
+        {12, QStringLiteral("  5%              10%"), QStringLiteral("48 mega-pixel"), "5", "10", ""},
+    }};
+    return rows;
+}
+
 bool ApplyCameraPreset(int button, std::array<QString, 3> &boxes)
 {
-    for (const CameraPreset &preset : CameraTable()) {
-        if (preset.button != button)
-            continue;
+    const auto apply = [&](const CameraPreset &preset) {
         const QString values[3] = {preset.small, preset.large, preset.blog};
         for (int i = 0; i < 3; ++i) {
             if (!values[i].isEmpty())
                 boxes[i] = values[i];
         }
-        return true;
+    };
+    for (const CameraPreset &preset : CameraTable()) {
+        if (preset.button == button) {
+            apply(preset);
+            return true;
+        }
+    }
+    for (const CameraPreset &preset : TodaysCameraRows()) {
+        if (preset.button == button) {
+            apply(preset);
+            return true;
+        }
     }
     return false;
+}
+
+QString LimitJpegQualityText(const QString &text)
+{
+    bool ok = false;
+    const double number = text.trimmed().toDouble(&ok);
+    if (!ok)
+        return JpegQualityDefault;
+    return QString::number(std::clamp(int(std::lround(number)), 50, 100));
+}
+
+JpegOptions JpegOptionsFor(const QString &qualityText)
+{
+    return JpegOptions{LimitJpegQualityText(qualityText).toInt(), true};
 }

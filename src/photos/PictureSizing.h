@@ -28,7 +28,7 @@ struct PictureResult
 // The picture's size as shown (orientation applied); invalid when it can't be read.
 QSize PictureSize(const QString &path, QString *error = nullptr);
 // Reads the picture at path, upright and in sRGB. When atLeast is valid, a JPEG is decoded at
-// the smallest of n/8 of its size (n from 1 to 8) that still holds twice atLeast on each side,
+// the smallest of 1/8, 1/4, 1/2 or all of its size that still holds twice atLeast on each side,
 // so the full-size picture is never held in memory when a smaller copy is wanted, and the filter
 // that takes it the rest of the way has room to work.
 PictureResult LoadPicture(const QString &path, QSize atLeast = QSize());
@@ -83,6 +83,22 @@ struct CopyResult
 CopyResult SizeOneCopy(const QString &source, const QString &target, double percent,
                        JpegOptions jpeg = {});
 
+// Sources that the Ready to Send list takes as JPEG copies: pictures of today's phones and
+// cameras (".heic", ".heif", ".webp", ".png", ".tif", ".tiff", in any case). Other pictures
+// (".jpg", ".gif", ".bmp", ".dib") go onto the list as they are.
+bool IsConvertedSource(const QString &name);
+// The name a source picture takes on the Ready to Send list (without its group number): a
+// converted source keeps its base name with ".jpg" ("IMG_0042.HEIC" gives "IMG_0042.jpg");
+// any other keeps its name.
+QString ReadyListName(const QString &sourceName);
+// The picture in folder that gives the list entry name: name itself when it is there, else a
+// converted source of the same base name (case ignored); empty when there is none.
+QString FindSourceOf(const QString &folder, const QString &name);
+// Puts source onto the list as target: a plain copy, or for a converted source a JPEG of
+// quality 100 written through savepic, upright, in sRGB and on white. Returns the message to
+// show; empty on success. May take seconds for a large picture: call it off the event loop.
+QString CopyToReadyList(const QString &source, const QString &target);
+
 // The percentage boxes: a value below 2 becomes "2", one above 120 "120"; others stay as typed.
 QString LimitResizeText(const QString &text);
 // Setting key and default of box index (0 thumbnail, 1 enlarged copy, 2 Web Log picture).
@@ -100,5 +116,19 @@ struct CameraPreset
     QString blog;     // My_resize(2)
 };
 const std::array<CameraPreset, 10> &CameraTable();
+// Rows for today's cameras on the photo settings tab, beside the table's own (buttons 10 to 12:
+// 12, 24 and 48 mega-pixels). Their percentages give thumbnails of about 360 to 400 pixels and
+// enlarged copies of about 800 to 840 across, the widths the table's rows give their cameras.
+const std::array<CameraPreset, 3> &TodaysCameraRows();
 // Fills boxes (the texts of My_resize 0 to 2) as button index asks; false for an unknown button.
 bool ApplyCameraPreset(int button, std::array<QString, 3> &boxes);
+
+// The JPEG quality of the copies: setting "JpegQuality", a whole number from 50 to 100, "85"
+// when absent. At 100 the copies are the baseline files of quality 100 they always were; below,
+// they are progressive.
+inline const QString JpegQualityKey = QStringLiteral("JpegQuality");
+inline const QString JpegQualityDefault = QStringLiteral("85");
+// The box's text held to 50 to 100; a text that isn't a number gives the default.
+QString LimitJpegQualityText(const QString &text);
+// How the copies are written for a quality text.
+JpegOptions JpegOptionsFor(const QString &qualityText);

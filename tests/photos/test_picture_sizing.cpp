@@ -128,7 +128,13 @@ private slots:
         QCOMPARE(CameraTable()[4].caption, QString("40%            100%"));
         QCOMPARE(CameraTable()[4].rowLabel, QString(".5 mega-pixel"));
         std::array<QString, 3> boxes;
-        QVERIFY(!ApplyCameraPreset(10, boxes));
+        QVERIFY(!ApplyCameraPreset(13, boxes));
+        QVERIFY(!ApplyCameraPreset(-1, boxes));
+        // Today's cameras: buttons 10 to 12 beside the table's own.
+        QCOMPARE(TodaysCameraRows()[0].rowLabel, QString("12 mega-pixel"));
+        QVERIFY(ApplyCameraPreset(12, boxes));
+        QCOMPARE(boxes[0], QString("5"));
+        QCOMPARE(boxes[1], QString("10"));
     }
 
     void scaledSizeKeepsTheSidesRatio_data()
@@ -206,13 +212,14 @@ private slots:
         QCOMPARE(QColor(picture.image.pixel(5, 5)).red() > 200, true);
     }
 
-    // A 30% copy wants twice its size from the decoder: a 1600 x 1200 JPEG is decoded at 6/8
-    // (1200 x 900), not at 5/8, whose odd-sized transform leaves aliasing behind.
-    void jpegIsDecodedAtAnEvenEighthWithRoomToFilter()
+    // A copy wants twice its size from the decoder, which reduces by halves only: a 30% copy of
+    // a 1600 x 1200 JPEG is decoded whole, not at 5/8 or 6/8, whose transforms leave aliasing
+    // behind; a 25% copy at half size.
+    void jpegIsDecodedByHalvesWithRoomToFilter()
     {
         const QString file = path("eighths.jpg");
         QVERIFY(writeJpeg(file, halves(1600, 1200)));
-        QCOMPARE(LoadPicture(file, QSize(480, 360)).image.size(), QSize(1200, 900));
+        QCOMPARE(LoadPicture(file, QSize(480, 360)).image.size(), QSize(1600, 1200));
         QCOMPARE(LoadPicture(file, QSize(400, 300)).image.size(), QSize(800, 600));
         QCOMPARE(LoadPicture(file, QSize(90, 60)).image.size(), QSize(200, 150));
         QCOMPARE(LoadPicture(file, QSize(1000, 750)).image.size(), QSize(1600, 1200));
