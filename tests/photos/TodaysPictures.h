@@ -11,8 +11,10 @@
 #include <QString>
 
 #include <lcms2.h>
+#include <libheif/heif.h>
 
 #include <cmath>
+#include <cstring>
 
 // Pictures as today's phones and cameras save them, made by the tests themselves from drawn
 // scenes: a HEIC (Display P3, turned by its EXIF block), a WebP, a PNG with transparency, a
@@ -72,6 +74,67 @@ inline bool writeHeic(const QString &path, int width, int height, QString *why =
         *why = QString::fromLocal8Bit(encoder.readAllStandardError()) + encoder.errorString();
     QFile::remove(jpeg);
     return done;
+}
+
+// An EXIF block (a little-endian TIFF structure) holding only the orientation tag.
+inline QByteArray exifOrientationBlock(quint16 orientation)
+{
+    QByteArray tiff("II\x2a\x00\x08\x00\x00\x00", 8);
+    const char entry[] = {1, 0,                                  // one entry
+                          0x12, 0x01, 3, 0, 1, 0, 0, 0,           // 0x0112, SHORT, count 1
+                          char(orientation), 0, 0, 0,             // the value
+                          0, 0, 0, 0};                            // no next directory
+    tiff.append(entry, sizeof entry);
+    return tiff;
+}
+
+// A HEIC as a phone of today writes it: the scene (upright width x height) stored on its side,
+// turned by the file's own "irot" box, with an EXIF block that says orientation 6 as well; in
+// sRGB. Written by libheif's encoder directly.
+inline bool writeHeicWithOwnTurn(const QString &path, int width, int height)
+{
+    const QImage stored = scene(width, height)
+                              .transformed(QTransform().rotate(-90))
+                              .convertToFormat(QImage::Format_RGB888);
+    heif_context *context = heif_context_alloc();
+    heif_encoder *encoder = nullptr;
+    heif_image *image = nullptr;
+    bool ok = heif_context_get_encoder_for_format(context, heif_compression_HEVC, &encoder).code ==
+                  heif_error_Ok &&
+              heif_image_create(stored.width(), stored.height(), heif_colorspace_RGB,
+                                heif_chroma_interleaved_RGB, &image)
+                      .code == heif_error_Ok &&
+              heif_image_add_plane(image, heif_channel_interleaved, stored.width(),
+                                   stored.height(), 8)
+                      .code == heif_error_Ok;
+    if (ok) {
+        int stride = 0;
+        uint8_t *plane = heif_image_get_plane(image, heif_channel_interleaved, &stride);
+        for (int y = 0; y < stored.height(); ++y)
+            std::memcpy(plane + qsizetype(y) * stride, stored.constScanLine(y),
+                        size_t(stored.width()) * 3);
+        heif_encoder_set_lossy_quality(encoder, 92);
+        heif_encoding_options *options = heif_encoding_options_alloc();
+        options->image_orientation = heif_orientation_rotate_90_cw;
+        heif_image_handle *handle = nullptr;
+        ok = heif_context_encode_image(context, image, encoder, options, &handle).code ==
+             heif_error_Ok;
+        heif_encoding_options_free(options);
+        const QByteArray exif = exifOrientationBlock(6);
+        ok = ok && heif_context_add_exif_metadata(context, handle, exif.constData(),
+                                                  int(exif.size()))
+                           .code == heif_error_Ok;
+        ok = ok && heif_context_write_to_file(context, QFile::encodeName(path).constData()).code ==
+                       heif_error_Ok;
+        if (handle)
+            heif_image_handle_release(handle);
+    }
+    if (image)
+        heif_image_release(image);
+    if (encoder)
+        heif_encoder_release(encoder);
+    heif_context_free(context);
+    return ok;
 }
 
 // A PNG whose right half is clear and left half a half-clear blue.

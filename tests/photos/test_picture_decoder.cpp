@@ -108,6 +108,25 @@ private slots:
         QVERIFY(unconverted > 2); // the test would see a missing conversion
     }
 
+    // A HEIC turned by its own "irot" box, with an EXIF block that says the same: libheif turns
+    // it, and the EXIF block is not applied a second time.
+    void heicWithItsOwnTurnIsTurnedOnce()
+    {
+        const QString file = path("IMG_0043.HEIC");
+        QVERIFY(writeHeicWithOwnTurn(file, 400, 300));
+        const PictureHeader header = ReadPictureHeader(file);
+        QVERIFY2(header.ok(), qPrintable(header.error));
+        QCOMPARE(header.upright(), QSize(400, 300));
+        QCOMPARE(header.transformation, QImageIOHandler::TransformationNone);
+        const PictureResult picture = LoadPicture(file);
+        QVERIFY2(picture.ok(), qPrintable(picture.error));
+        QCOMPARE(picture.image.size(), QSize(400, 300));
+        QVERIFY(qGray(picture.image.pixel(10, 10)) > 240);
+        QVERIFY(qRed(picture.image.pixel(100, 100)) > 180);
+        QVERIFY(qBlue(picture.image.pixel(30, 250)) > 150);
+        QVERIFY(psnr(picture.image, scene(400, 300)) > 30);
+    }
+
     void heicCopyForTheListIsAnUprightJpeg()
     {
         const QString target = path("00050_IMG_0042.jpg");
