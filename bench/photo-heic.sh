@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # HEIC benchmark: a folder of 20 HEIC photos of 12 megapixels (4032 x 3024, made from the camera
-# photographs of Debian's mate-backgrounds with vips and heif-enc, x265's fastest preset), each taken to its "Sml_" and
-# "Lrg_" copies at 15% and 30%, JPEG quality 100, 4:2:0, in one run by:
+# photographs of Debian's mate-backgrounds with vips and heif-enc, x265's fastest preset), each
+# taken to its "Sml_" and "Lrg_" copies at 15% and 30%, JPEG quality 100, 4:2:0, in one run by:
 #   1. Tarnwick as the program does it: each HEIC put onto the Ready to Send list as a JPEG
 #      (the copy button: one picture after the other), then the sizing of the list (THREADS
 #      pictures at once);
