@@ -227,9 +227,12 @@ BlogBuildOutcome BlogBuildJob::UploadBlogToFTP()
             outcome = BlogBuildOutcome::Failed;
             break;
         }
-        // RemoveFTPFile: the old copy goes first, so a send that fails leaves none behind.
-        m_context.ftp.DeleteFTPFile(files.at(i));
-        UploadFileToFTP(m_context, folder + QLatin1Char('/') + files.at(i));
+        // A cancel is looked at between files: before the next one and after each.
+        if (!cancelled()) {
+            // RemoveFTPFile: the old copy goes first, so a send that fails leaves none behind.
+            m_context.ftp.DeleteFTPFile(files.at(i));
+            UploadFileToFTP(m_context, folder + QLatin1Char('/') + files.at(i));
+        }
         if (cancelled()) {
             m_window.showProgressFrame(false);
             m_context.window.cmdDisconnect();
