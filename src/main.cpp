@@ -1,5 +1,6 @@
 #include "JobState.h"
 #include "PhotoBuildInstall.h"
+#include "WebLogInstall.h"
 #include "WebSpaceInstall.h"
 #include "cFTP.h"
 #include "frmAction.h"
@@ -29,6 +30,7 @@ int main(int argc, char *argv[])
     // is how every other function sends.
     WebSpace &webSpace = InstallWebSpace(window, mFTP);
     InstallPhotoPage(window, webSpace);
+    InstallWebLog(window, webSpace);
 
     window.Load();
     // The session transfers in binary; the mode flag says active, while the data connections

@@ -211,11 +211,11 @@ BlogBuildOutcome BlogBuildJob::UploadBlogToFTP()
     showStep(QStringLiteral("Uploading to Website"));
     m_window.showProgressFrame(true);
     m_context.ui.SetStatusText(QStringLiteral("Uploading files"));
-    m_window.showUploadFiles(true);
     if (BlogFolderName.isEmpty() || BlogFolderName == m_records.main.FileName)
         BlogFolderName = ReplaceSpaces(m_records.main.FileName, QStringLiteral("_"));
     const QString folder = WebLogFolder(m_records.main.FileName);
     const QStringList files = uploadFiles();
+    m_window.showUploadFiles(files);
     BlogBuildOutcome outcome = BlogBuildOutcome::Sent;
     for (int i = 0; i < files.size(); ++i) {
         m_window.selectUploadFile(i);
@@ -241,7 +241,7 @@ BlogBuildOutcome BlogBuildJob::UploadBlogToFTP()
         }
         m_context.ui.ProcessEvents();
     }
-    m_window.showUploadFiles(false);
+    m_window.showSections();
     return outcome;
 }
 

@@ -33,9 +33,10 @@ public:
     // The caption of UploadPath as the page's comment link left it.
     virtual void setUploadPathCaption(const QString & /*caption*/) {}
     // During the upload the section list (BlogItemSelectFrame) shows the files that go up, and
-    // the one going up is selected; showUploadFiles(false) puts the sections back.
-    virtual void showUploadFiles(bool /*show*/) {}
+    // the one going up is selected; showSections() puts the sections back.
+    virtual void showUploadFiles(const QStringList & /*files*/) {}
     virtual void selectUploadFile(int /*row*/) {}
+    virtual void showSections() {}
     // The build changed the current records (they follow the lists): the editor shows them.
     virtual void recordsChanged() {}
 };

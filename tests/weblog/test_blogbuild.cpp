@@ -43,12 +43,18 @@ public:
         ++disconnects;
         m_ftp.CloseConnection();
     }
-    void showUploadFiles(bool show) override { uploadListShown = show; }
+    void showUploadFiles(const QStringList &files) override
+    {
+        uploadListShown = true;
+        uploadList = files;
+    }
+    void showSections() override { uploadListShown = false; }
     void selectUploadFile(int row) override { uploadRows << row; }
 
     QString uploadPath;
     int disconnects = 0;
     bool uploadListShown = false;
+    QStringList uploadList;
     QList<int> uploadRows;
 
 private:
@@ -133,6 +139,8 @@ private slots:
         QVERIFY(ui.statusTexts.contains("Uploading files"));
         QVERIFY(ui.stepTexts.contains("1 of 4"));
         QCOMPARE(window.uploadRows, QList<int>({0, 1, 2, 3}));
+        QCOMPARE(window.uploadList, QStringList({"Comments.htm", "Sml_Harbour.jpg", "Web_Log.htm",
+                                                 "feed.xml"}));
         QVERIFY(!window.uploadListShown);
         QVERIFY(window.caption.startsWith("Connected to " + server.server() + " as tarnwick at "));
         QVERIFY(!ftp.IsConnected());
