@@ -85,7 +85,7 @@ void WebLogSpelling::CheckSpellingMenu_Click()
 {
     if (!checkOpenText() || m_cancelled)
         return;
-    m_window.jobUi().Message(QStringLiteral("The spelling check is complete."),
+    m_frame.services().ui->Message(QStringLiteral("The spelling check is complete."),
                              QStringLiteral("Tarnwick"), JobUi::Buttons::Ok,
                              JobUi::Icon::Information);
 }
@@ -108,7 +108,7 @@ void WebLogSpelling::CheckSpellingAllMenu_Click()
         if (m_cancelled)
             return;
     }
-    m_window.jobUi().Message(QStringLiteral("The spelling check is complete."),
+    m_frame.services().ui->Message(QStringLiteral("The spelling check is complete."),
                              QStringLiteral("Tarnwick"), JobUi::Buttons::Ok,
                              JobUi::Icon::Information);
 }
