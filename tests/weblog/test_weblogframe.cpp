@@ -383,6 +383,49 @@ private slots:
         QCOMPARE(GetSetting("MstrBGColor"), QString("#ABCDEF"));
     }
 
+    void theProgramsOwnPickersServeTheBoxes()
+    {
+        openNewWebLog("Pickers");
+        frame->TabStrip3_Click(1);
+        QString opened;
+        QTimer::singleShot(0, [&opened] {
+            std::function<void()> answer;
+            answer = [&answer, &opened] {
+                QWidget *dialog = QApplication::activeModalWidget();
+                if (!dialog || dialog->objectName() != "frmSelectColor") {
+                    QTimer::singleShot(5, answer);
+                    return;
+                }
+                opened = dialog->findChild<QLineEdit *>("RGB_2")->text();
+                for (int i = 0; i < 3; ++i)
+                    dialog->findChild<QLineEdit *>(QString("RGB_%1").arg(i))
+                        ->setText(QString::number(0x12 + i * 0x22));
+                dialog->findChild<QPushButton *>("ColorOKButton")->click();
+            };
+            answer();
+        });
+        button("BlogBackgroundColor")->click();
+        QCOMPARE(opened, QString("255")); // "#7F7Fff" opens with its blue at 255
+        QCOMPARE(frame->records().main.BackgroundColor, QString("#123456"));
+        QCOMPARE(button("BlogBackgroundColor")->toolTip(), QString("#123456"));
+
+        const QString font = frame->records().main.FontType;
+        QTimer::singleShot(0, [] {
+            std::function<void()> answer;
+            answer = [&answer] {
+                QWidget *dialog = QApplication::activeModalWidget();
+                if (!dialog || dialog->objectName() != "frmFont") {
+                    QTimer::singleShot(5, answer);
+                    return;
+                }
+                dialog->findChild<QPushButton *>("CancelButton")->click();
+            };
+            answer();
+        });
+        button("PageFont")->click();
+        QCOMPARE(frame->records().main.FontType, font);
+    }
+
     void helpPagesFollowTheTab()
     {
         frmMain &window = *fixture->window;

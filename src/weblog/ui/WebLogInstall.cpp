@@ -2,6 +2,7 @@
 
 #include "GuiJobUi.h"
 #include "JobState.h"
+#include "Pickers.h"
 #include "Settings.h"
 #include "SettingsKeys.h"
 #include "WebLogFrame.h"
@@ -183,6 +184,13 @@ WebLogParts InstallWebLogParts(frmMain &window, WebSpace &webSpace)
     WebLogServices services;
     services.ui = &webSpace.ui();
     services.state = &state;
+    // Every "Click Here to Change" box of the tab opens the program's own pickers.
+    services.chooseColour = [](const QString &start, QWidget *parent) {
+        return PickColor(start, parent);
+    };
+    services.chooseFont = [](const QString &start, QWidget *parent) {
+        return PickFont(start, parent);
+    };
     services.choosePicture = [&window](const QString &start) {
         return QFileDialog::getOpenFileName(&window, QStringLiteral("Browse for Image"), start,
                                             QStringLiteral("Pictures (*.jpg *.gif *.bmp)"));
