@@ -8,6 +8,7 @@
 #include "WebLogFixture.h"
 
 #include <QDomDocument>
+#include <QPainter>
 #include <QTemporaryDir>
 #include <QUrl>
 #include <QXmlStreamReader>
@@ -405,6 +406,65 @@ private slots:
         }
         QCOMPARE(titles, QStringList({"Newest", "Middle", "Older"}));
         QCOMPARE(QSet<QString>(ids.begin(), ids.end()).size(), 3);
+    }
+
+    // A sample Web Log as a user would fill it: the page the screenshots in docs/ show. With
+    // TARNWICK_WEBLOG_PAGE_OUT set, the built folder is copied there.
+    void aSampleWebLogMakesACompletePage()
+    {
+        SaveSetting("EmailID", "ann@example.org");
+        BlogRecords records = newWebLog("Trip Notes", "Trip Notes: a week by the sea");
+        records.main.BackgroundColor = "#DCEBF5";
+        records.main.TitleColor = "#1F4E79";
+        records.main.SubTextColor = "#1A1A1A";
+        SaveBlogMain(records);
+        QTemporaryDir pictures;
+        const auto scene = [&](const QString &name, QColor sky, QColor ground) {
+            QImage image(1200, 800, QImage::Format_RGB32);
+            QPainter painter(&image);
+            painter.fillRect(0, 0, 1200, 520, sky);
+            painter.fillRect(0, 520, 1200, 280, ground);
+            painter.setBrush(QColor(255, 236, 160));
+            painter.setPen(Qt::NoPen);
+            painter.drawEllipse(QPoint(900, 200), 90, 90);
+            painter.end();
+            const QString path = pictures.filePath(name);
+            image.save(path, "JPEG", 90);
+            return path;
+        };
+        addSection(records, "Day one: the harbour",
+                   "We arrived at the harbour early in the morning, just as the fishing boats "
+                   "came in.\r\nThe market was already busy: <b>fresh bread</b>, cheese and the "
+                   "first strawberries of the year.",
+                   "0", scene("harbour.jpg", QColor(120, 170, 220), QColor(40, 90, 140)), "Left",
+                   "2024-05-01");
+        addSection(records, "Day two: along the cliffs",
+                   "A long walk on the cliff path to the lighthouse. <i>Windy</i>, but the view "
+                   "was worth every step.",
+                   "1", scene("cliffs.jpg", QColor(170, 200, 230), QColor(90, 130, 70)), "Right",
+                   "2024-05-02");
+        addSection(records, "Day three: rain", "It rained all day. We read, played cards and "
+                                               "planned tomorrow's ferry trip.",
+                   "2", QString(), "Left", "2024-05-03");
+        addPointer(records, "Travel", "Ferry timetable", "http://ferries.example.org/");
+        addPointer(records, "Travel", "Tide tables", "http://tides.example.org/");
+        addPointer(records, "Friends", "Bob's photos", "http://bob.example.org/");
+        addComment(records, "From Bob", "Lovely pictures! The harbour looks wonderful.");
+        BlogPageOptions options = defaultOptions();
+        options.Blog_resize = "40";
+        const Built built = build(records, ui, state, options);
+        QCOMPARE(built.page.outcome, BlogPagesOutcome::Built);
+        QCOMPARE(built.page.sectionsWritten, 3);
+        QCOMPARE(built.page.picturesSized, 2);
+        const QString folder = WebLogFolder("Trip Notes");
+        QCOMPARE(tidyErrors(folder + "/Web_Log.htm"), QString());
+        QCOMPARE(tidyErrors(folder + "/Comments.htm"), QString());
+        const QString out = qEnvironmentVariable("TARNWICK_WEBLOG_PAGE_OUT");
+        if (!out.isEmpty()) {
+            QDir().mkpath(out);
+            for (const QString &name : QDir(folder).entryList(QDir::Files))
+                QFile::copy(folder + "/" + name, out + "/" + name);
+        }
     }
 
     void aMissingTemplateKeepsTheLastPage()
