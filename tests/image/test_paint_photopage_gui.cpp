@@ -1,11 +1,15 @@
 #include "BuildFixture.h"
+#include "JobState.h"
 #include "PhotoBuildInstall.h"
 #include "PhotoFrame.h"
 #include "PhotoFrameInstall.h"
 #include "Settings.h"
 #include "SettingsKeys.h"
 #include "TestMain.h"
+#include "WebSpace.h"
 #include "cDIBSection.h"
+#include "JobState.h"
+#include "WebSpace.h"
 #include "frmAction.h"
 #include "frmInputBox.h"
 #include "frmMain.h"
@@ -105,11 +109,12 @@ private slots:
         SaveSetting(SettingKey::PromptForTitle, QStringLiteral("False"));
         SaveSetting(SettingKey::PromptForDescription, QStringLiteral("False"));
 
-        cFTP ftp;
-        frmMain window;
+        JobState state;
+        cFTP ftp(state);
+        frmMain window(state);
         PhotoFrame *frame = InstallPhotoFrame(window);
-        PhotoBuildController *build = InstallPhotoBuild(window, *frame, ftp);
-        frmAction::Install(&window, [&window] { window.HelpButton_Click(); });
+        PhotoBuildController *build = InstallPhotoBuild(window, *frame, *new WebSpace(window, ftp));
+        frmAction::Install(state, &window, [&window] { window.HelpButton_Click(); });
         frame->readFolders();
         window.txtServer()->setText(server.server());
         window.txtUser()->setText(server.user());
@@ -211,8 +216,10 @@ private slots:
         QTemporaryDir dir;
         const QString photo = dir.filePath(QStringLiteral("Tree.jpg"));
         QVERIFY(makePhoto(photo, QColor(30, 140, 40)));
-        frmMain window;
+        JobState state;
+        frmMain window(state);
         InstallPhotoFrame(window); // the photo function's paint opener
+        window.show();
 
         QPointer<frmZoom> zoom = frmZoom::ShowPicture(photo, 0);
         auto *image = zoom->findChild<QLabel *>(QStringLiteral("Image1"));
@@ -233,6 +240,18 @@ private slots:
         order << QStringLiteral("returned");
         QCOMPARE(order, QStringList({photo, QStringLiteral("closed"), QStringLiteral("returned")}));
         zoom->close();
+
+        // The Tools menu's Paint: the paint window alone, with an empty picture.
+        auto *menuPaint = window.findChild<QAction *>(QStringLiteral("mnuPaint"));
+        QVERIFY(menuPaint);
+        QCOMPARE(menuPaint->text(), QStringLiteral("&Paint"));
+        menuPaint->trigger();
+        QPointer<frmPaint> alone = openPaintWindow();
+        QVERIFY(alone);
+        QCOMPARE(alone->windowTitle(), QStringLiteral("untitled - Paint"));
+        QCOMPARE(alone->document().picture().pixel(3, 3), qRgb(255, 255, 255));
+        alone->close();
+        QTRY_VERIFY(!alone);
     }
 };
 

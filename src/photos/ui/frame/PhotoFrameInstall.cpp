@@ -6,6 +6,9 @@
 #include "PhotoPage.h"
 #include "ReadyToSendPage.h"
 #include "frmMain.h"
+#include "frmPaint.h"
+
+#include <QAction>
 
 #include <QLineEdit>
 #include <QTabWidget>
@@ -78,6 +81,12 @@ PhotoFrame *InstallPhotoFrame(frmMain &window)
     function.shown = [&window] { window.DoCleanup(); };
     function.loaded = [frame] { frame->readFolders(); };
     function.cleanup = [frame] { frame->DoCleanup(); };
+    // The paint window also stands alone, with an empty picture.
+    auto *paint = new QAction(QStringLiteral("&Paint"));
+    paint->setObjectName(QStringLiteral("mnuPaint"));
+    QObject::connect(paint, &QAction::triggered, &window,
+                     [&window] { frmPaint::OpenPaint(QString(), &window); });
+    function.menuEntries.push_back({QStringLiteral("Tools"), paint});
     window.addFunction(std::move(function));
 
     window.placeRing(0, frame->findChild<QWidget *>(QStringLiteral("ChangeCopyPathButton")));
