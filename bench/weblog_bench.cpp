@@ -133,8 +133,9 @@ int build(const QString &dataDir, int sections, int pictures, int runs)
         const BlogPagesResult page = builder.BuildBlogLocally();
         const BlogPagesResult comments = builder.BuildBlogCommentsLocally();
         times << clock.nsecsElapsed() / 1e9;
-        if (page.outcome != BlogPagesOutcome::Built || comments.outcome != BlogPagesOutcome::Built ||
-            page.picturesSized != 0 || page.sectionsWritten != sections) {
+        if (page.outcome != BlogPagesOutcome::Built ||
+            comments.outcome != BlogPagesOutcome::Built || page.picturesSized != 0 ||
+            page.sectionsWritten != sections) {
             std::printf("build failed\n");
             return 1;
         }
@@ -151,16 +152,19 @@ int build(const QString &dataDir, int sections, int pictures, int runs)
 
 int makeText(const QString &path, int words, int misspelt)
 {
-    const QStringList vocabulary = QString(
-        "the morning harbor boats came in and we walked along water calm light soft afternoon "
-        "rain stopped evening dinner friends town market fish bread cheese wine walk beach sand "
-        "shells children played ball dog ran after birds sky clear blue cloud wind cold warm "
-        "house garden flowers tree green leaves road car train station ticket journey long short "
-        "day night week month year small large old new good bad happy quiet loud street corner "
-        "shop window door book read wrote letter mother father brother sister family home back "
-        "again tomorrow yesterday today picture camera photograph mountain river bridge museum "
-        "church square castle tower island ferry port ship sail north south east west")
-                                       .split(' ');
+    const QStringList vocabulary =
+        QString(
+            "the morning harbor boats came in and we walked along water calm light soft afternoon "
+            "rain stopped evening dinner friends town market fish bread cheese wine walk beach "
+            "sand "
+            "shells children played ball dog ran after birds sky clear blue cloud wind cold warm "
+            "house garden flowers tree green leaves road car train station ticket journey long "
+            "short "
+            "day night week month year small large old new good bad happy quiet loud street corner "
+            "shop window door book read wrote letter mother father brother sister family home back "
+            "again tomorrow yesterday today picture camera photograph mountain river bridge museum "
+            "church square castle tower island ferry port ship sail north south east west")
+            .split(' ');
     QStringList text;
     QStringList wrong;
     const int every = words / std::max(1, misspelt);

@@ -27,8 +27,7 @@ const QString Tarnwick = QStringLiteral("Tarnwick");
 
 } // namespace
 
-BlogBuildJob::BlogBuildJob(BlogRecords &records, TransferContext &context,
-                           BlogBuildWindow &window)
+BlogBuildJob::BlogBuildJob(BlogRecords &records, TransferContext &context, BlogBuildWindow &window)
     : m_records(records), m_context(context), m_window(window), m_options(window.options())
 {
 }
@@ -70,13 +69,12 @@ bool BlogBuildJob::buildPages()
                            "it without them:\n\n") +
                 pictureFaults.join(QLatin1Char('\n')),
             Tarnwick, JobUi::Buttons::Ok, JobUi::Icon::Warning);
-    const QString fault = page.outcome == BlogPagesOutcome::NotWritten ? page.message
-                                                                       : comments.message;
+    const QString fault =
+        page.outcome == BlogPagesOutcome::NotWritten ? page.message : comments.message;
     if (!fault.isEmpty())
-        m_context.ui.Message(fault + QStringLiteral(" The pages of the last build stay."),
-                             Tarnwick, JobUi::Buttons::Ok, JobUi::Icon::Warning);
-    return page.outcome == BlogPagesOutcome::Built &&
-           comments.outcome == BlogPagesOutcome::Built;
+        m_context.ui.Message(fault + QStringLiteral(" The pages of the last build stay."), Tarnwick,
+                             JobUi::Buttons::Ok, JobUi::Icon::Warning);
+    return page.outcome == BlogPagesOutcome::Built && comments.outcome == BlogPagesOutcome::Built;
 }
 
 BlogBuildOutcome BlogBuildJob::BlogBuild()

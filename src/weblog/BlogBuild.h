@@ -44,13 +44,13 @@ public:
 // How a press of Build Web Log ended.
 enum class BlogBuildOutcome
 {
-    Sent,          // everything went up; the pointer is on the clipboard
-    NoWebLog,      // no Web Log is open: "Select a file to build before starting a build."
-    BuiltLocally,  // Run Without Connections: the pages stand on the disk, nothing was sent
-    NotBuilt,      // the pages could not be written (a missing template...) or sizing stopped
-    NotConnected,  // the login failed
-    Failed,        // a directory could not be had, or the session lost its place
-    Cancelled,     // the user cancelled between two files: what went up stays, no pointer
+    Sent,         // everything went up; the pointer is on the clipboard
+    NoWebLog,     // no Web Log is open: "Select a file to build before starting a build."
+    BuiltLocally, // Run Without Connections: the pages stand on the disk, nothing was sent
+    NotBuilt,     // the pages could not be written (a missing template...) or sizing stopped
+    NotConnected, // the login failed
+    Failed,       // a directory could not be had, or the session lost its place
+    Cancelled,    // the user cancelled between two files: what went up stays, no pointer
 };
 
 // "Build Web Log": the open Web Log from its records to Web_Log.htm, Comments.htm, feed.xml and

@@ -48,12 +48,11 @@ QString WebAddress(const QString &site, const QString &path)
 QByteArray MakeAtomFeed(const BlogFeedInput &input)
 {
     QList<BlogFeedEntry> entries = input.entries;
-    std::stable_sort(entries.begin(), entries.end(),
-                     [](const BlogFeedEntry &a, const BlogFeedEntry &b) {
-                         return a.updated > b.updated;
-                     });
-    const QDateTime newest = entries.isEmpty() ? QDateTime::fromSecsSinceEpoch(0, Qt::UTC)
-                                               : entries.first().updated;
+    std::stable_sort(
+        entries.begin(), entries.end(),
+        [](const BlogFeedEntry &a, const BlogFeedEntry &b) { return a.updated > b.updated; });
+    const QDateTime newest =
+        entries.isEmpty() ? QDateTime::fromSecsSinceEpoch(0, Qt::UTC) : entries.first().updated;
 
     QByteArray bytes;
     QXmlStreamWriter xml(&bytes);

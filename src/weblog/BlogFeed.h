@@ -10,20 +10,20 @@
 
 struct BlogFeedEntry
 {
-    QString id;          // a unique, lasting IRI of the section
-    QString title;       // the heading as typed
-    QString author;      // "" when the section hides its author
-    QString html;        // the section's text as the page shows it (HTML)
-    QString link;        // absolute address the entry leads to
-    QDateTime updated;   // when the section was written
+    QString id;        // a unique, lasting IRI of the section
+    QString title;     // the heading as typed
+    QString author;    // "" when the section hides its author
+    QString html;      // the section's text as the page shows it (HTML)
+    QString link;      // absolute address the entry leads to
+    QDateTime updated; // when the section was written
 };
 
 struct BlogFeedInput
 {
-    QString title;       // the Web Log's title (its name when it has none)
-    QString pageAddress; // absolute address of Web_Log.htm
-    QString feedAddress; // absolute address of feed.xml
-    QString author;      // who writes the Web Log; "" puts "Tarnwick" there
+    QString title;                // the Web Log's title (its name when it has none)
+    QString pageAddress;          // absolute address of Web_Log.htm
+    QString feedAddress;          // absolute address of feed.xml
+    QString author;               // who writes the Web Log; "" puts "Tarnwick" there
     QList<BlogFeedEntry> entries; // in any order: the feed sorts them newest first
 };
 

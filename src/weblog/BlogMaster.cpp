@@ -83,8 +83,8 @@ MasterOutcome BlogMasterJob::BuildMasterPage(const QString &title, const QString
     const auto walk = [&](const QString &name) {
         const QString path = FindTemplateFile(BlogRoot(), name);
         if (!QFileInfo(path).isFile()) {
-            message = QStringLiteral("The Web Log template %1 is missing from %2.")
-                          .arg(name, BlogRoot());
+            message =
+                QStringLiteral("The Web Log template %1 is missing from %2.").arg(name, BlogRoot());
             return false;
         }
         FillTemplateFile(path, page, state);
@@ -101,10 +101,10 @@ MasterOutcome BlogMasterJob::BuildMasterPage(const QString &title, const QString
         LoadBlogMain(records);
         const QString name = records.main.FileName;
         state.CurrentPageName = ReplaceSpaces(name, QStringLiteral("_"));
-        state.blogPage = {records.main.FileName,    records.main.MainTitle,
-                          records.main.TitleColor,  records.main.BackgroundColor,
+        state.blogPage = {records.main.FileName,     records.main.MainTitle,
+                          records.main.TitleColor,   records.main.BackgroundColor,
                           records.main.SubTextColor, records.main.FontType,
-                          records.main.MainDate,    records.main.DirectorySavedTo};
+                          records.main.MainDate,     records.main.DirectorySavedTo};
         // A Web Log without a title shows its name between dashes.
         if (state.blogPage.MainTitle.isEmpty())
             state.blogPage.MainTitle = QLatin1Char('-') + name + QLatin1Char('-');
@@ -151,8 +151,8 @@ MasterOutcome BlogMasterJob::BuildMasterBlogButton(const QStringList &entries,
         return built;
     }
     if (built == MasterOutcome::NotBuilt) {
-        ui.Message(message + QStringLiteral(" The master page of the last build stays."),
-                   Tarnwick, JobUi::Buttons::Ok, JobUi::Icon::Warning);
+        ui.Message(message + QStringLiteral(" The master page of the last build stays."), Tarnwick,
+                   JobUi::Buttons::Ok, JobUi::Icon::Warning);
         return built;
     }
     if (m_window.runWithoutConnections())

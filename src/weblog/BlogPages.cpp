@@ -64,8 +64,8 @@ public:
             return;
         const QString path = FindTemplateFile(BlogRoot(), name);
         if (!QFileInfo(path).isFile()) {
-            m_error = QStringLiteral("The Web Log template %1 is missing from %2.")
-                          .arg(name, BlogRoot());
+            m_error =
+                QStringLiteral("The Web Log template %1 is missing from %2.").arg(name, BlogRoot());
             return;
         }
         // A stray mark ends that template's walk; the page goes on with the next template.
@@ -141,10 +141,10 @@ QString BlogPageBuilder::webAddress(const QString &fileName) const
 {
     QString path;
     if (!m_options.ClientRoot.trimmed().isEmpty())
-        path += ReplaceSpaces(m_options.ClientRoot.trimmed(), QStringLiteral("_")) +
-                QLatin1Char('/');
-    path += m_options.BlogDirName + QLatin1Char('/') + BlogFolderName() + QLatin1Char('/') +
-            fileName;
+        path +=
+            ReplaceSpaces(m_options.ClientRoot.trimmed(), QStringLiteral("_")) + QLatin1Char('/');
+    path +=
+        m_options.BlogDirName + QLatin1Char('/') + BlogFolderName() + QLatin1Char('/') + fileName;
     return WebAddress(m_options.txtWebSite, path);
 }
 
@@ -152,13 +152,12 @@ void BlogPageBuilder::fillTemplateState(TemplateState &state, int pointerCount,
                                         int commentCount) const
 {
     const BlogMain &main = m_records.main;
-    state.blogPage = {main.FileName,    main.MainTitle, main.TitleColor,
-                      main.BackgroundColor, main.SubTextColor, main.FontType,
-                      main.MainDate,    main.DirectorySavedTo};
+    state.blogPage = {main.FileName,     main.MainTitle, main.TitleColor, main.BackgroundColor,
+                      main.SubTextColor, main.FontType,  main.MainDate,   main.DirectorySavedTo};
     const BlogSection &section = m_records.section;
-    state.section = {section.DisplayedSubTitle, section.BlogText,   section.Author,
-                     section.BlogDate,          section.PhotoPath,  section.PhotoTitle,
-                     section.ShowAuthor,        section.ShowDate,   section.ShowComment,
+    state.section = {section.DisplayedSubTitle, section.BlogText,  section.Author,
+                     section.BlogDate,          section.PhotoPath, section.PhotoTitle,
+                     section.ShowAuthor,        section.ShowDate,  section.ShowComment,
                      section.ShowLine};
     state.pointer = {m_records.pointer.Category, m_records.pointer.DisplayName,
                      m_records.pointer.URL};
@@ -207,8 +206,8 @@ struct BlogPageBuilder::Picture
     std::unique_ptr<QFutureWatcher<QString>> watcher;
 };
 
-bool BlogPageBuilder::preparePictures(const QList<BlogSection> &sections,
-                                      BlogPagesResult &result, QList<bool> &usable)
+bool BlogPageBuilder::preparePictures(const QList<BlogSection> &sections, BlogPagesResult &result,
+                                      QList<bool> &usable)
 {
     const double percent = NumberValue(m_options.Blog_resize);
     std::vector<std::unique_ptr<Picture>> pending;
@@ -239,8 +238,8 @@ bool BlogPageBuilder::preparePictures(const QList<BlogSection> &sections,
         // A copy made from the same picture at the same size is still good.
         if (to.isFile() && to.lastModified() >= from.lastModified()) {
             const QSize made = PictureSize(picture->target);
-            const QSize wanted = picture->copyOnly ? PictureSize(source)
-                                                   : ScaledSize(PictureSize(source), percent);
+            const QSize wanted =
+                picture->copyOnly ? PictureSize(source) : ScaledSize(PictureSize(source), percent);
             if (made.isValid() && made == wanted)
                 continue;
         }

@@ -25,19 +25,19 @@ struct BlogPageOptions
 // How a local build ended.
 enum class BlogPagesOutcome
 {
-    Built,        // the page (or comment page) is written
-    NoWebLog,     // no Web Log is open (main FileName empty)
-    Cancelled,    // the user cancelled while the pictures were sized: the old page stays
-    NotWritten,   // a template is missing or the page can't be written: the old page stays
+    Built,      // the page (or comment page) is written
+    NoWebLog,   // no Web Log is open (main FileName empty)
+    Cancelled,  // the user cancelled while the pictures were sized: the old page stays
+    NotWritten, // a template is missing or the page can't be written: the old page stays
 };
 
 struct BlogPagesResult
 {
     BlogPagesOutcome outcome = BlogPagesOutcome::Built;
-    QString message;          // why it wasn't written (NotWritten)
+    QString message;           // why it wasn't written (NotWritten)
     QStringList pictureFaults; // one line per section whose picture could not be used
     int sectionsWritten = 0;
-    int picturesSized = 0;     // copies made now (up-to-date copies are kept)
+    int picturesSized = 0; // copies made now (up-to-date copies are kept)
     // What the comment link made of UploadPath's caption ("" when the page has none).
     QString uploadPathCaption;
 };

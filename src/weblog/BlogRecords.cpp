@@ -105,9 +105,9 @@ QString SectionRecordText(const BlogSection &s)
 QString PointerRecordText(const BlogPointer &p)
 {
     return line("FileName", p.FileName, true) + line("Category", p.Category) +
-           line("DisplayName", p.DisplayName) + line("URL", p.URL) +
-           line("FontType", p.FontType) + line("FontSize", p.FontSize) +
-           line("FontBold", p.FontBold) + line("FontItalic", p.FontItalic);
+           line("DisplayName", p.DisplayName) + line("URL", p.URL) + line("FontType", p.FontType) +
+           line("FontSize", p.FontSize) + line("FontBold", p.FontBold) +
+           line("FontItalic", p.FontItalic);
 }
 
 QString CommentRecordText(const BlogComment &c)
@@ -281,8 +281,8 @@ QString CleanFileName(const QString &text)
     for (const char *mark : {">", "<", "{", "}", "]", "["})
         name.remove(QLatin1String(mark));
     name.replace(QLatin1Char('&'), QLatin1Char('+'));
-    for (const char *mark : {"'", "%", "#", "@", "~", ";", ":", "\"", "^", "/", "\\", "?", "*",
-                             "|", ":", "<", ">"})
+    for (const char *mark :
+         {"'", "%", "#", "@", "~", ";", ":", "\"", "^", "/", "\\", "?", "*", "|", ":", "<", ">"})
         name.remove(QLatin1String(mark));
     return name;
 }
@@ -295,10 +295,9 @@ bool MatchesPattern(const QString &name, const QString &pattern)
         // Iterative wildcard match with one backtracking point per "*".
         qsizetype n = 0, w = 0, starAt = -1, resume = 0;
         while (n < name.size()) {
-            if (w < wildcard.size() &&
-                (wildcard.at(w) == QLatin1Char('?') ||
-                 (wildcard.at(w) != QLatin1Char('*') &&
-                  wildcard.at(w).toLower() == name.at(n).toLower()))) {
+            if (w < wildcard.size() && (wildcard.at(w) == QLatin1Char('?') ||
+                                        (wildcard.at(w) != QLatin1Char('*') &&
+                                         wildcard.at(w).toLower() == name.at(n).toLower()))) {
                 ++n;
                 ++w;
             } else if (w < wildcard.size() && wildcard.at(w) == QLatin1Char('*')) {

@@ -23,10 +23,10 @@ struct BlogMain
     QString LineType;        // reserved: always empty
     QString FontType;        // font name of the page
     QString FontSize, FontBold, FontItalic; // reserved: always empty
-    QString MainDate;         // date shown on the page, free text
-    QString ShowPointers;     // "Yes" or "No"
-    QString ShowCommentPage;  // "Yes" or "No"
-    QString DirectorySavedTo; // folder of the Web Logs on the web space
+    QString MainDate;                       // date shown on the page, free text
+    QString ShowPointers;                   // "Yes" or "No"
+    QString ShowCommentPage;                // "Yes" or "No"
+    QString DirectorySavedTo;               // folder of the Web Logs on the web space
 };
 
 // One section (article) of a Web Log; fields in the order of the file.
@@ -42,9 +42,9 @@ struct BlogSection
     QString PhotoTitle; // caption of the picture
     QString Position;   // "Left" or "Right"; empty counts as right
     QString SubTitleColor;
-    QString SubTileFont;                               // reserved ("Arial" at creation)
+    QString SubTileFont;                                 // reserved ("Arial" at creation)
     QString ShowAuthor, ShowDate, ShowComment, ShowLine; // "False" hides; anything else shows
-    QString Order; // place on the page, decimal text
+    QString Order;                                       // place on the page, decimal text
 };
 
 // One pointer (link beside the articles).
@@ -61,7 +61,7 @@ struct BlogPointer
 struct BlogComment
 {
     QString FileName;
-    QString Comment; // lines parted by CR LF
+    QString Comment;                                  // lines parted by CR LF
     QString FontType, FontSize, FontBold, FontItalic; // reserved: always empty
 };
 

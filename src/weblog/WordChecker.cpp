@@ -185,12 +185,11 @@ QList<Misspelling> WordChecker::misspellings(const QString &text) const
             continue;
         }
         const qsizetype start = i;
-        while (i < size && (isWordChar(text.at(i)) ||
-                            (isApostrophe(text.at(i)) && i + 1 < size &&
-                             isWordChar(text.at(i + 1)) && i > start)))
+        while (i < size && (isWordChar(text.at(i)) || (isApostrophe(text.at(i)) && i + 1 < size &&
+                                                       isWordChar(text.at(i + 1)) && i > start)))
             ++i;
-        const bool nextToDigit = (start > 0 && text.at(start - 1).isDigit()) ||
-                                 (i < size && text.at(i).isDigit());
+        const bool nextToDigit =
+            (start > 0 && text.at(start - 1).isDigit()) || (i < size && text.at(i).isDigit());
         // A mail address is not a word.
         const bool inAddress = (i < size && text.at(i) == QLatin1Char('@')) ||
                                (start > 0 && text.at(start - 1) == QLatin1Char('@'));

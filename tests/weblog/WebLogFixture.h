@@ -22,8 +22,8 @@
 namespace WebLogFixture {
 
 inline const QStringList TemplateNames = {
-    "B_Top.txt",  "B_Left.txt",  "B_Right.txt", "B_End1.txt",    "B_End2.txt",
-    "B_End2a.txt", "B_End3.txt", "BC_Top.txt",  "BC_Mid.txt",    "BC_End.txt",
+    "B_Top.txt",     "B_Left.txt",     "B_Right.txt",  "B_End1.txt", "B_End2.txt",
+    "B_End2a.txt",   "B_End3.txt",     "BC_Top.txt",   "BC_Mid.txt", "BC_End.txt",
     "MasterTop.txt", "MasterBody.txt", "MasterEnd.txt"};
 
 // The folder tree with the default Web Log templates of the data folder.
@@ -56,8 +56,7 @@ inline QString readText(const QString &path)
 }
 
 // A real JPEG of the size, one colour with a white band across its top.
-inline bool makePhoto(const QString &path, const QColor &colour, int width = 640,
-                      int height = 480)
+inline bool makePhoto(const QString &path, const QColor &colour, int width = 640, int height = 480)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
     QImage image(width, height, QImage::Format_RGB32);

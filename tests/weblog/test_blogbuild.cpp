@@ -90,8 +90,7 @@ private:
     {
         BlogRecords records = newWebLog("Trip Notes", "Trip Notes");
         makePhoto(pictures.filePath("Harbour.jpg"), Qt::darkCyan, 800, 600);
-        addSection(records, "Day one", "We <b>arrived</b>.", "0",
-                   pictures.filePath("Harbour.jpg"));
+        addSection(records, "Day one", "We <b>arrived</b>.", "0", pictures.filePath("Harbour.jpg"));
         addSection(records, "Day two", "Rain all day.", "1");
         addPointer(records, "Travel", "Ferries", "http://ferries.example.org/");
         addComment(records, "Anna", "Lovely pictures!");
@@ -124,8 +123,7 @@ private slots:
         QCOMPARE(job.BlogBuild(), BlogBuildOutcome::Sent);
         QCOMPARE(window.blogDirName, QString("My_Logs"));
         const QString folder = server.localPath("/My_Logs/Trip_Notes");
-        for (const char *name :
-             {"Web_Log.htm", "Comments.htm", "feed.xml", "Sml_Harbour.jpg"}) {
+        for (const char *name : {"Web_Log.htm", "Comments.htm", "feed.xml", "Sml_Harbour.jpg"}) {
             QCOMPARE(readText(folder + "/" + name),
                      readText(WebLogFolder("Trip Notes") + "/" + QString(name)));
         }
@@ -139,8 +137,8 @@ private slots:
         QVERIFY(ui.statusTexts.contains("Uploading files"));
         QVERIFY(ui.stepTexts.contains("1 of 4"));
         QCOMPARE(window.uploadRows, QList<int>({0, 1, 2, 3}));
-        QCOMPARE(window.uploadList, QStringList({"Comments.htm", "Sml_Harbour.jpg", "Web_Log.htm",
-                                                 "feed.xml"}));
+        QCOMPARE(window.uploadList,
+                 QStringList({"Comments.htm", "Sml_Harbour.jpg", "Web_Log.htm", "feed.xml"}));
         QVERIFY(!window.uploadListShown);
         QVERIFY(window.caption.startsWith("Connected to " + server.server() + " as tarnwick at "));
         QVERIFY(!ftp.IsConnected());
@@ -208,8 +206,8 @@ private slots:
                 state.UploadCancelled = true;
         };
         QCOMPARE(BlogBuildJob(records, context, window).BlogBuild(), BlogBuildOutcome::Cancelled);
-        const QStringList sent = QDir(server.localPath("/Web_Log/Trip_Notes"))
-                                     .entryList(QDir::Files);
+        const QStringList sent =
+            QDir(server.localPath("/Web_Log/Trip_Notes")).entryList(QDir::Files);
         QCOMPARE(sent.size(), 2);
         QVERIFY(state.CurrentPointer.isEmpty());
         QVERIFY(clipboardText(ui).isEmpty());

@@ -101,9 +101,9 @@ private slots:
         Master m;
         m.window.local = true;
         m.ui.answerPrompt("Mine");
-        QCOMPARE(BlogMasterJob(m.context, m.window).BuildMasterBlogButton({"One.blg", "Two.blg"},
-                                                                         {}),
-                 MasterOutcome::NothingChosen);
+        QCOMPARE(
+            BlogMasterJob(m.context, m.window).BuildMasterBlogButton({"One.blg", "Two.blg"}, {}),
+            MasterOutcome::NothingChosen);
         QCOMPARE(m.ui.messages.size(), 1);
         QCOMPARE(m.ui.messages.first().text,
                  QString("Need to select the items to put on this page."));
@@ -124,8 +124,7 @@ private slots:
         Master m;
         m.window.local = true;
         m.ui.answerPrompt("||Blank||");
-        QCOMPARE(BlogMasterJob(m.context, m.window).BuildMasterBlogButton({"One.blg"},
-                                                                         {"One.blg"}),
+        QCOMPARE(BlogMasterJob(m.context, m.window).BuildMasterBlogButton({"One.blg"}, {"One.blg"}),
                  MasterOutcome::NoTitle);
         m.ui.answerPrompt("Title");
         QCOMPARE(BlogMasterJob(m.context, m.window).BuildMasterBlogButton({}, {}),
@@ -162,8 +161,7 @@ private slots:
         BlogMasterJob job(m.context, m.window);
         QCOMPARE(job.BuildMasterBlogButton({"One.blg", "Two.blg"}, {"One.blg", "Two.blg"}),
                  MasterOutcome::Sent);
-        QCOMPARE(readText(m.server.localPath("/Web_Log/MainPage.htm")),
-                 readText(MasterPagePath()));
+        QCOMPARE(readText(m.server.localPath("/Web_Log/MainPage.htm")), readText(MasterPagePath()));
         QCOMPARE(job.Pointer, QString("http://www.example.com/Web_Log/MainPage.htm"));
         QCOMPARE(m.state.CurrentPointer, job.Pointer);
         QCOMPARE(takeActions, 1);

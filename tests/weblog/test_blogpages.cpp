@@ -379,7 +379,8 @@ private slots:
                 self = link;
         }
         QVERIFY(relations.contains("alternate"));
-        QCOMPARE(self.attribute("href"), QString("http://127.0.0.1:8080/Web_Log/Feed_Log/feed.xml"));
+        QCOMPARE(self.attribute("href"),
+                 QString("http://127.0.0.1:8080/Web_Log/Feed_Log/feed.xml"));
 
         QStringList titles;
         QStringList ids;
@@ -389,8 +390,8 @@ private slots:
             QVERIFY(!only(entry, "id").isNull());
             QVERIFY(!only(entry, "title").isNull());
             QVERIFY(!only(entry, "updated").isNull());
-            const QDateTime updated = QDateTime::fromString(only(entry, "updated").text(),
-                                                            Qt::ISODate);
+            const QDateTime updated =
+                QDateTime::fromString(only(entry, "updated").text(), Qt::ISODate);
             QVERIFY(updated.isValid());
             if (previous.isValid())
                 QVERIFY(updated <= previous);
@@ -443,8 +444,9 @@ private slots:
                    "was worth every step.",
                    "1", scene("cliffs.jpg", QColor(170, 200, 230), QColor(90, 130, 70)), "Right",
                    "2024-05-02");
-        addSection(records, "Day three: rain", "It rained all day. We read, played cards and "
-                                               "planned tomorrow's ferry trip.",
+        addSection(records, "Day three: rain",
+                   "It rained all day. We read, played cards and "
+                   "planned tomorrow's ferry trip.",
                    "2", QString(), "Left", "2024-05-03");
         addPointer(records, "Travel", "Ferry timetable", "http://ferries.example.org/");
         addPointer(records, "Travel", "Tide tables", "http://tides.example.org/");

@@ -140,9 +140,15 @@ private slots:
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("order");
         QTest::addColumn<QString>("position");
-        QTest::newRow("plain") << "A walk" << "2" << "Right";
-        QTest::newRow("order") << "In order to see" << "Ann" << "Right";
-        QTest::newRow("position") << "My position" << "2" << "Ann";
+        QTest::newRow("plain") << "A walk"
+                               << "2"
+                               << "Right";
+        QTest::newRow("order") << "In order to see"
+                               << "Ann"
+                               << "Right";
+        QTest::newRow("position") << "My position"
+                                  << "2"
+                                  << "Ann";
     }
     void theWordOrderInTheTextTakesTheValueFromTheNextLine()
     {
@@ -237,14 +243,22 @@ private slots:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("name");
-        QTest::newRow("three letter extension stays") << "a.b.jpg" << "ab.jpg";
-        QTest::newRow("four letter extension loses its dot") << "a.jpeg" << "ajpeg";
-        QTest::newRow("ampersand") << "Tom & Jerry" << "Tom + Jerry";
-        QTest::newRow("brackets") << "<b>{x}[y]</b>" << "bxyb";
-        QTest::newRow("marks") << "a'%#@~;:\"^/\\?*|b" << "ab";
-        QTest::newRow("what stays") << "A, b! $(c)=+-_" << "A, b! $(c)=+-_";
-        QTest::newRow("nothing left") << "???" << "";
-        QTest::newRow("trip") << "Trip: Notes." << "Trip Notes";
+        QTest::newRow("three letter extension stays") << "a.b.jpg"
+                                                      << "ab.jpg";
+        QTest::newRow("four letter extension loses its dot") << "a.jpeg"
+                                                             << "ajpeg";
+        QTest::newRow("ampersand") << "Tom & Jerry"
+                                   << "Tom + Jerry";
+        QTest::newRow("brackets") << "<b>{x}[y]</b>"
+                                  << "bxyb";
+        QTest::newRow("marks") << "a'%#@~;:\"^/\\?*|b"
+                               << "ab";
+        QTest::newRow("what stays") << "A, b! $(c)=+-_"
+                                    << "A, b! $(c)=+-_";
+        QTest::newRow("nothing left") << "???"
+                                      << "";
+        QTest::newRow("trip") << "Trip: Notes."
+                              << "Trip Notes";
     }
     void fileNamesFromTitles()
     {

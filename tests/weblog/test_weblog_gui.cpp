@@ -72,11 +72,12 @@ struct Driver
             }
             if (auto *dialog = qobject_cast<frmSpelling *>(widget)) {
                 misspelt << dialog->findChild<QLabel *>(QStringLiteral("SpellWord"))->text();
-                const QString answer = spelling.isEmpty() ? QStringLiteral("SpellCancel")
-                                                          : spelling.dequeue();
+                const QString answer =
+                    spelling.isEmpty() ? QStringLiteral("SpellCancel") : spelling.dequeue();
                 const QString word = answer.section(QLatin1Char(':'), 1);
                 if (!word.isEmpty()) {
-                    auto *list = dialog->findChild<QListWidget *>(QStringLiteral("SpellSuggestions"));
+                    auto *list =
+                        dialog->findChild<QListWidget *>(QStringLiteral("SpellSuggestions"));
                     const auto found = list->findItems(word, Qt::MatchExactly);
                     if (!found.isEmpty())
                         list->setCurrentItem(found.first());
@@ -97,10 +98,10 @@ struct Driver
 QString httpStatus(const QString &url)
 {
     QProcess curl;
-    curl.start(QStringLiteral("curl"), {QStringLiteral("-s"), QStringLiteral("-o"),
-                                        QStringLiteral("/dev/null"), QStringLiteral("-w"),
-                                        QStringLiteral("%{http_code}"), QStringLiteral("-m"),
-                                        QStringLiteral("20"), url});
+    curl.start(QStringLiteral("curl"),
+               {QStringLiteral("-s"), QStringLiteral("-o"), QStringLiteral("/dev/null"),
+                QStringLiteral("-w"), QStringLiteral("%{http_code}"), QStringLiteral("-m"),
+                QStringLiteral("20"), url});
     if (!curl.waitForFinished(30000))
         return QStringLiteral("no curl");
     return QString::fromLatin1(curl.readAllStandardOutput()).trimmed();
@@ -109,8 +110,8 @@ QString httpStatus(const QString &url)
 QString httpText(const QString &url)
 {
     QProcess curl;
-    curl.start(QStringLiteral("curl"), {QStringLiteral("-s"), QStringLiteral("-m"),
-                                        QStringLiteral("20"), url});
+    curl.start(QStringLiteral("curl"),
+               {QStringLiteral("-s"), QStringLiteral("-m"), QStringLiteral("20"), url});
     curl.waitForFinished(30000);
     return QString::fromUtf8(curl.readAllStandardOutput());
 }
@@ -290,8 +291,7 @@ private slots:
         QCOMPARE(driver.actions, QStringList{page});
         QCOMPARE(QGuiApplication::clipboard()->text(), page);
         const QString folder = served.filePath("Web_Log/Trip_Notes");
-        for (const char *name :
-             {"Web_Log.htm", "Comments.htm", "feed.xml", "Sml_Harbour View.jpg"})
+        for (const char *name : {"Web_Log.htm", "Comments.htm", "feed.xml", "Sml_Harbour View.jpg"})
             QVERIFY2(QFileInfo(folder + "/" + name).isFile(), name);
         QCOMPARE(QImage(folder + "/Sml_Harbour View.jpg").size(), QSize(400, 300));
         const QString html = httpText(page);
@@ -303,8 +303,7 @@ private slots:
         int checked = 0;
         QCOMPARE(brokenLinks(page, &checked).join("; "), QString());
         QCOMPARE(checked, 5); // the feed, the picture, the comment page, two pointers
-        QCOMPARE(brokenLinks(site + "/Web_Log/Trip_Notes/Comments.htm", &checked),
-                 QStringList());
+        QCOMPARE(brokenLinks(site + "/Web_Log/Trip_Notes/Comments.htm", &checked), QStringList());
         QVERIFY(httpText(site + "/Web_Log/Trip_Notes/feed.xml").contains("<entry>"));
         QCOMPARE(tidyErrors(folder + "/Web_Log.htm"), QString());
         shot(&window, "weblog-built.png");

@@ -142,10 +142,7 @@ private slots:
         fixture->window->txtDefaultAuthor()->setText("Ann");
         fixture->showFunction(3);
     }
-    void cleanup()
-    {
-        fixture.reset();
-    }
+    void cleanup() { fixture.reset(); }
 
     void aNewWebLogAndANewSectionWithAllFourBoxesTicked()
     {

@@ -84,8 +84,7 @@ private slots:
         QCOMPARE(session.current()->word, QString("Helo"));
         session.ignore();
         QVERIFY(!session.current());
-        QCOMPARE(session.text(),
-                 QString("The cat and the dog.\r\nA zorblat and a zorblat. Helo."));
+        QCOMPARE(session.text(), QString("The cat and the dog.\r\nA zorblat and a zorblat. Helo."));
         QCOMPARE(session.changes(), 2);
         // Added words are kept in the personal list and known to a new checker.
         QVERIFY(QFile(PersonalWordListPath()).exists());
@@ -135,8 +134,8 @@ private slots:
     {
         QTemporaryDir folder;
         for (const char *name : {"en_US.aff", "en_US.dic"})
-            QVERIFY(QFile::copy(english().aff.section('/', 0, -2) + "/" + name,
-                                folder.filePath(name)));
+            QVERIFY(
+                QFile::copy(english().aff.section('/', 0, -2) + "/" + name, folder.filePath(name)));
         SetSpellingDictionaryFolders({folder.path()});
         QCOMPARE(FindSpellingDictionary().name, QString("en_US"));
         const QString own = QLocale::system().name();

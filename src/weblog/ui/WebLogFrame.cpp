@@ -173,8 +173,8 @@ bool WebLogFrame::confirm(const QString &text, const QString &title)
 
 QString WebLogFrame::ask(const QString &question, const QString &defaultText, int maxLength)
 {
-    return AskUser(*m_services.ui, *m_services.state, question, defaultText,
-                   QStringLiteral("Hide"), maxLength);
+    return AskUser(*m_services.ui, *m_services.state, question, defaultText, QStringLiteral("Hide"),
+                   maxLength);
 }
 
 QString WebLogFrame::selectedName(QListWidget *list) const

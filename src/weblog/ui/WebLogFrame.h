@@ -164,8 +164,8 @@ private:
 
     BlogRecords &m_records;
     WebLogServices m_services;
-    bool m_filling = false;      // controls are being filled from the records
-    bool m_uploadList = false;   // File5 shows the files that go up
+    bool m_filling = false;    // controls are being filled from the records
+    bool m_uploadList = false; // File5 shows the files that go up
     QString m_dirNameOnFocus;
 
     QTabBar *m_tabStrip = nullptr;

@@ -56,8 +56,8 @@ QWidget *WebLogFrame::buildMasterPage()
         box->setMinimumHeight(30);
         form->addRow(QString::fromLatin1(MasterColours[i].caption), box);
         m_masterColours[static_cast<size_t>(i)] = box;
-        showColourBox(box, GetSetting(MasterColours[i].key,
-                                      QString::fromLatin1(MasterColours[i].fallback)));
+        showColourBox(
+            box, GetSetting(MasterColours[i].key, QString::fromLatin1(MasterColours[i].fallback)));
         connect(box, &QPushButton::clicked, this, [this, i] { masterColour_Click(i); });
     }
     m_masterFont = new QPushButton(QStringLiteral("Click Here to Change"), looks);

@@ -275,9 +275,8 @@ void WebLogFrame::fillMainControls()
     showColourBox(m_pageColours[1], main.TitleColor);
     showColourBox(m_pageColours[2], main.SubTextColor);
     m_pageFont->setToolTip(main.FontType);
-    m_pageFontExample->setFont(QFont(main.FontType.isEmpty() ? QStringLiteral("Arial")
-                                                             : main.FontType,
-                                     12));
+    m_pageFontExample->setFont(
+        QFont(main.FontType.isEmpty() ? QStringLiteral("Arial") : main.FontType, 12));
     m_showPointersCk->setChecked(main.ShowPointers != QLatin1String("No"));
     m_showCommentCk->setChecked(main.ShowCommentPage != QLatin1String("No"));
     m_filling = false;
@@ -384,8 +383,8 @@ void WebLogFrame::PageFont_Click()
     }
     if (!m_services.chooseFont)
         return;
-    const QString current = m_records.main.FontType.isEmpty() ? QStringLiteral("Arial")
-                                                              : m_records.main.FontType;
+    const QString current =
+        m_records.main.FontType.isEmpty() ? QStringLiteral("Arial") : m_records.main.FontType;
     const std::optional<QString> chosen = m_services.chooseFont(current, this);
     if (!chosen || *chosen == m_records.main.FontType)
         return;

@@ -135,16 +135,16 @@ QWidget *WebLogFrame::buildPointersPage()
 
 void WebLogFrame::refreshPointers()
 {
-    fillList(m_file8, BlogFileList(WebLogFolder(m_records.main.FileName) +
-                                       QStringLiteral("/Pointers"),
-                                   QStringLiteral("*.ptr")));
+    fillList(m_file8,
+             BlogFileList(WebLogFolder(m_records.main.FileName) + QStringLiteral("/Pointers"),
+                          QStringLiteral("*.ptr")));
 }
 
 void WebLogFrame::refreshComments()
 {
-    fillList(m_file9, BlogFileList(WebLogFolder(m_records.main.FileName) +
-                                       QStringLiteral("/Comments"),
-                                   QStringLiteral("*.cmt")));
+    fillList(m_file9,
+             BlogFileList(WebLogFolder(m_records.main.FileName) + QStringLiteral("/Comments"),
+                          QStringLiteral("*.cmt")));
 }
 
 void WebLogFrame::refreshMasterPointers()
@@ -306,8 +306,7 @@ void WebLogFrame::DeletePtr_Click()
         message(QStringLiteral("Need to select a item first."));
     } else if (m_services.ui->Message(QStringLiteral("Are you sure you want to delete this "
                                                      "pointer? (This can not be undone.)"),
-                                      QStringLiteral("Need to know..."),
-                                      JobUi::Buttons::OkCancel,
+                                      QStringLiteral("Need to know..."), JobUi::Buttons::OkCancel,
                                       JobUi::Icon::Question) == JobUi::Answer::Ok) {
         DoKill(Folders::MasterPointerFolder() + QLatin1Char('/') + entry);
     }

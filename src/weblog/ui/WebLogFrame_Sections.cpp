@@ -100,9 +100,9 @@ QWidget *WebLogFrame::buildSectionsPage()
     for (int i = 0; i < 4; ++i) {
         auto *tag = new QPushButton(QString::fromLatin1(Tags[i].caption), m_editFrame);
         tag->setObjectName(QStringLiteral("Command7_%1").arg(i));
-        tag->setToolTip(QStringLiteral("Marks the highlighted text with %1 %2")
-                            .arg(QString::fromLatin1(Tags[i].open),
-                                 QString::fromLatin1(Tags[i].close)));
+        tag->setToolTip(
+            QStringLiteral("Marks the highlighted text with %1 %2")
+                .arg(QString::fromLatin1(Tags[i].open), QString::fromLatin1(Tags[i].close)));
         connect(tag, &QPushButton::clicked, this, [this, i] { Command7_Click(i); });
         tags->addWidget(tag);
     }
@@ -145,8 +145,7 @@ QWidget *WebLogFrame::buildSectionsPage()
         connect(check, &QCheckBox::toggled, this, &WebLogFrame::sectionFieldEdited);
     }
     picture->addStretch(1);
-    QPushButton *another =
-        button(m_editFrame, picture, "BlogSelectItem", "Select Another Section");
+    QPushButton *another = button(m_editFrame, picture, "BlogSelectItem", "Select Another Section");
     grid->addLayout(picture, 0, 1, 5, 1);
     grid->setColumnStretch(0, 3);
     grid->setRowStretch(2, 1);
@@ -275,10 +274,10 @@ void WebLogFrame::fillSectionControls()
     const QString *shows[4] = {&s.ShowAuthor, &s.ShowDate, &s.ShowComment, &s.ShowLine};
     for (int i = 0; i < 4; ++i)
         m_showChecks[static_cast<size_t>(i)]->setChecked(*shows[i] != QLatin1String("False"));
-    m_blogText->setStyleSheet(
-        QStringLiteral("QPlainTextEdit { color: %1; }")
-            .arg(m_records.main.SubTextColor.isEmpty() ? QStringLiteral("#000000")
-                                                       : m_records.main.SubTextColor));
+    m_blogText->setStyleSheet(QStringLiteral("QPlainTextEdit { color: %1; }")
+                                  .arg(m_records.main.SubTextColor.isEmpty()
+                                           ? QStringLiteral("#000000")
+                                           : m_records.main.SubTextColor));
     showPicture();
     m_filling = false;
 }
@@ -443,8 +442,8 @@ void WebLogFrame::Command7_Click(int index)
         return;
     }
     const TagPair &tag = Tags[index];
-    const QString marked = cursor.selectedText().replace(QChar::ParagraphSeparator,
-                                                        QLatin1Char('\n'));
+    const QString marked =
+        cursor.selectedText().replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
     cursor.insertText(QString::fromLatin1(tag.open) + marked + QString::fromLatin1(tag.close));
     m_blogText->setTextCursor(cursor);
 }

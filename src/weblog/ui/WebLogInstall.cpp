@@ -234,9 +234,8 @@ WebLogParts InstallWebLogParts(frmMain &window, WebSpace &webSpace)
     WebLogSpelling *spelling = parts.spelling;
     // Without a dictionary the window gets no checker: its spelling entries stay disabled.
     if (spelling->available())
-        window.setSpellChecker([spelling](const QString &text) {
-            return spelling->SpellChecker(text);
-        });
+        window.setSpellChecker(
+            [spelling](const QString &text) { return spelling->SpellChecker(text); });
     QObject::connect(window.CheckSpellingMenu(), &QAction::triggered, spelling,
                      &WebLogSpelling::CheckSpellingMenu_Click);
     QObject::connect(window.CheckSpellingAllMenu(), &QAction::triggered, spelling,

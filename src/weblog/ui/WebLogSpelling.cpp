@@ -46,9 +46,9 @@ QString WebLogSpelling::SpellChecker(const QString &text)
     SpellingSession session(*words, text);
     if (!session.current())
         return text;
-    frmSpelling dialog(session, *words, QApplication::activeModalWidget()
-                                            ? QApplication::activeModalWidget()
-                                            : static_cast<QWidget *>(&m_window));
+    frmSpelling dialog(session, *words,
+                       QApplication::activeModalWidget() ? QApplication::activeModalWidget()
+                                                         : static_cast<QWidget *>(&m_window));
     m_cancelled = dialog.exec() != QDialog::Accepted;
     const QString checked = session.text();
     // Whatever happened in the dialog, a text never comes back empty when it wasn't.
@@ -86,8 +86,8 @@ void WebLogSpelling::CheckSpellingMenu_Click()
     if (!checkOpenText() || m_cancelled)
         return;
     m_frame.services().ui->Message(QStringLiteral("The spelling check is complete."),
-                             QStringLiteral("Tarnwick"), JobUi::Buttons::Ok,
-                             JobUi::Icon::Information);
+                                   QStringLiteral("Tarnwick"), JobUi::Buttons::Ok,
+                                   JobUi::Icon::Information);
 }
 
 void WebLogSpelling::CheckSpellingAllMenu_Click()
@@ -109,6 +109,6 @@ void WebLogSpelling::CheckSpellingAllMenu_Click()
             return;
     }
     m_frame.services().ui->Message(QStringLiteral("The spelling check is complete."),
-                             QStringLiteral("Tarnwick"), JobUi::Buttons::Ok,
-                             JobUi::Icon::Information);
+                                   QStringLiteral("Tarnwick"), JobUi::Buttons::Ok,
+                                   JobUi::Icon::Information);
 }
