@@ -92,6 +92,24 @@ private slots:
         QCOMPARE(tidyErrors(WebLogFolder("Empty") + "/Comments.htm"), QString());
     }
 
+    void anOldRecordWithoutColoursGivesThePageItsDefaultColours()
+    {
+        writeText(MainRecordPath("Old"), "FileName = Old\r\nMainTitle = Old one\r\n");
+        BlogRecords records;
+        records.main.FileName = QStringLiteral("Old");
+        QVERIFY(LoadBlogMain(records));
+        QVERIFY(records.main.BackgroundColor.isEmpty());
+        const Built built = build(records, ui, state);
+        QCOMPARE(built.page.outcome, BlogPagesOutcome::Built);
+        // Each colour line of the style sheet stands twice: the fixed one and the one the
+        // record fills, which falls back to the same default.
+        QCOMPARE(built.html.count("background-color: #7FFF7F;"), 2);
+        QCOMPARE(built.html.count("color: #7F7FFF;"), 4);
+        QCOMPARE(built.html.count("      color: #000000;"), 2);
+        QVERIFY(!built.html.contains("!!"));
+        QVERIFY(!built.html.contains(": ;"));
+    }
+
     void sectionsFollowTheirOrderThenTheirNames_data()
     {
         QTest::addColumn<QStringList>("orders");
