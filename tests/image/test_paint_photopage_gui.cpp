@@ -1,5 +1,6 @@
 #include "BuildFixture.h"
 #include "JobState.h"
+#include "PaintInstall.h"
 #include "PhotoBuildInstall.h"
 #include "PhotoFrame.h"
 #include "PhotoFrameInstall.h"
@@ -8,8 +9,6 @@
 #include "TestMain.h"
 #include "WebSpace.h"
 #include "cDIBSection.h"
-#include "JobState.h"
-#include "WebSpace.h"
 #include "frmAction.h"
 #include "frmInputBox.h"
 #include "frmMain.h"
@@ -112,6 +111,7 @@ private slots:
         JobState state;
         cFTP ftp(state);
         frmMain window(state);
+        InstallPaint(window);
         PhotoFrame *frame = InstallPhotoFrame(window);
         PhotoBuildController *build = InstallPhotoBuild(window, *frame, *new WebSpace(window, ftp));
         frmAction::Install(state, &window, [&window] { window.HelpButton_Click(); });
@@ -211,6 +211,30 @@ private slots:
         QVERIFY(qAbs(qGray(large.pixel(large.width() / 2, large.height() / 2)) - grey) <= 6);
     }
 
+    void toolsPaintOpensAnEmptyPictureAndNoEditorHidesTheButton()
+    {
+        JobState state;
+        frmMain window(state);
+        InstallPaint(window);
+        InstallPhotoFrame(window);
+        auto *entry = window.findChild<QAction *>(QStringLiteral("mnuPaint"));
+        QVERIFY(entry);
+        entry->trigger();
+        QPointer<frmPaint> paint = window.findChild<frmPaint *>();
+        QVERIFY(paint && paint->isVisible());
+        paint->close();
+
+        // A window without the picture editor offers no Paint button.
+        JobState other;
+        frmMain bare(other);
+        PhotoFrame *frame = InstallPhotoFrame(bare);
+        bare.show();
+        bare.FunctionSelectButton_Click(0);
+        QVERIFY(frame->isVisible());
+        QVERIFY(!frame->findChild<QPushButton *>(QStringLiteral("Command4"))->isVisible());
+        QVERIFY(!bare.findChild<QAction *>(QStringLiteral("mnuPaint")));
+    }
+
     void theZoomWindowsDoubleClickWaitsForThePaintWindow()
     {
         QTemporaryDir dir;
@@ -218,6 +242,7 @@ private slots:
         QVERIFY(makePhoto(photo, QColor(30, 140, 40)));
         JobState state;
         frmMain window(state);
+        InstallPaint(window);
         InstallPhotoFrame(window); // the photo function's paint opener
         window.show();
 
@@ -228,10 +253,9 @@ private slots:
         QTimer closer;
         closer.setInterval(5);
         QObject::connect(&closer, &QTimer::timeout, [&] {
-            if (frmPaint *paint = openPaintWindow()) {
-                order << paint->document().PictureFile();
-                paint->close();
-                order << QStringLiteral("closed");
+            // A close asked for while the picture is still being read is refused; ask again.
+            if (frmPaint *paint = openPaintWindow(); paint && paint->close()) {
+                order << paint->document().PictureFile() << QStringLiteral("closed");
                 closer.stop();
             }
         });
