@@ -86,6 +86,16 @@ std::optional<QString> photoInformation(TemplateState &state)
     return EscapeMarks(*info);
 }
 
+// A web address of the site: "http://" in front, unless the site's address as typed already
+// names its scheme.
+QString webAddress(const QString &address)
+{
+    if (address.startsWith(QLatin1String("http://"), Qt::CaseInsensitive) ||
+        address.startsWith(QLatin1String("https://"), Qt::CaseInsensitive))
+        return address;
+    return QStringLiteral("http://") + address;
+}
+
 QString commentPointerUrl(TemplateState &state)
 {
     state.CurrentPageName = ReplaceSpaces(state.blogPage.FileName, QStringLiteral("_"));
@@ -95,7 +105,7 @@ QString commentPointerUrl(TemplateState &state)
     caption += state.BlogDirName + QLatin1Char('/') + state.CurrentPageName +
                QStringLiteral("/Comments.htm");
     state.UploadPathCaption = caption;
-    return QStringLiteral("http://") + caption;
+    return webAddress(caption);
 }
 
 std::optional<QString> portalLogo(TemplateState &state)
@@ -230,9 +240,9 @@ std::optional<QString> lookUp(const QString &token, TemplateState &state)
     if (is("!!BLOG_MAIN_pointer!!")) {
         if (state.blogPage.DirectorySavedTo.isEmpty())
             state.blogPage.DirectorySavedTo = state.BlogDirName;
-        return QStringLiteral("http://") + state.txtWebSite + QLatin1Char('/') +
-               state.blogPage.DirectorySavedTo + QLatin1Char('/') + state.CurrentPageName +
-               QLatin1Char('/') + state.MasterLinkFile;
+        return webAddress(state.txtWebSite + QLatin1Char('/') + state.blogPage.DirectorySavedTo +
+                          QLatin1Char('/') + state.CurrentPageName + QLatin1Char('/') +
+                          state.MasterLinkFile);
     }
     if (is("!!BLOG_MAIN_date!!"))
         return page.MainDate;

@@ -389,6 +389,24 @@ private slots:
                  QString("http://www.example.org/Old/My_Log/Web_Log.htm"));
     }
 
+    void aSiteTypedWithItsSchemeKeepsIt()
+    {
+        TemplateState state;
+        state.blogPage.FileName = "My Log";
+        state.BlogDirName = "Blogs";
+        state.ShowCommentCk = true;
+        state.CurrentPageName = "My_Log";
+        state.MasterLinkFile = "Web_Log.htm";
+        state.txtWebSite = "http://127.0.0.1:8080";
+        QCOMPARE(GetActionData("!!CommentPtrURL!!", state),
+                 QString("http://127.0.0.1:8080/Blogs/My_Log/Comments.htm"));
+        QCOMPARE(GetActionData("!!BLOG_MAIN_pointer!!", state),
+                 QString("http://127.0.0.1:8080/Blogs/My_Log/Web_Log.htm"));
+        state.txtWebSite = "https://example.org";
+        QCOMPARE(GetActionData("!!BLOG_MAIN_pointer!!", state),
+                 QString("https://example.org/Blogs/My_Log/Web_Log.htm"));
+    }
+
     void portalLinkRows()
     {
         TemplateState state;
