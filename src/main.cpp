@@ -1,6 +1,7 @@
 #include "JobState.h"
 #include "PaintInstall.h"
 #include "PhotoBuildInstall.h"
+#include "WebLogInstall.h"
 #include "WebSpaceInstall.h"
 #include "cFTP.h"
 #include "frmAction.h"
@@ -32,6 +33,7 @@ int main(int argc, char *argv[])
     // The picture editor, before the functions whose pictures it opens.
     InstallPaint(window);
     InstallPhotoPage(window, webSpace);
+    InstallWebLog(window, webSpace);
 
     window.Load();
     // The session transfers in binary; the mode flag says active, while the data connections

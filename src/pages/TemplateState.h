@@ -45,7 +45,8 @@ struct TemplateState
     int File8Count = 0;        // pointers of the Web Log
     int File9Count = 0;        // comments of the Web Log
     QString BlogDirName;       // text of the Web Log's folder box
-    QString txtWebSite;        // the web site's address without "http://"
+    QString txtWebSite;        // the web site's address ("http://" is put in front unless it
+                               // names its scheme already)
     QString ClientRoot;        // text of the ClientRoot box
     QString CurrentPageName;   // written by !!CommentPtrURL!!, read by !!BLOG_MAIN_pointer!!
     QString UploadPathCaption; // written by !!CommentPtrURL!!

@@ -389,6 +389,24 @@ private slots:
                  QString("http://www.example.org/Old/My_Log/Web_Log.htm"));
     }
 
+    void aSiteTypedWithItsSchemeKeepsIt()
+    {
+        TemplateState state;
+        state.blogPage.FileName = "My Log";
+        state.BlogDirName = "Blogs";
+        state.ShowCommentCk = true;
+        state.CurrentPageName = "My_Log";
+        state.MasterLinkFile = "Web_Log.htm";
+        state.txtWebSite = "http://127.0.0.1:8080";
+        QCOMPARE(GetActionData("!!CommentPtrURL!!", state),
+                 QString("http://127.0.0.1:8080/Blogs/My_Log/Comments.htm"));
+        QCOMPARE(GetActionData("!!BLOG_MAIN_pointer!!", state),
+                 QString("http://127.0.0.1:8080/Blogs/My_Log/Web_Log.htm"));
+        state.txtWebSite = "https://example.org";
+        QCOMPARE(GetActionData("!!BLOG_MAIN_pointer!!", state),
+                 QString("https://example.org/Blogs/My_Log/Web_Log.htm"));
+    }
+
     void portalLinkRows()
     {
         TemplateState state;
@@ -493,6 +511,22 @@ private slots:
         const Walk out = walk("a\n f=!!PHOTO_font!!\nb\n", state);
         QCOMPARE(out.page, QString("a\n"));
         QVERIFY(!out.result.complete);
+    }
+
+    // A title whose marks lie beyond the escape's bound brings in its own placeholder again at
+    // each filling; the walk stops at its work bound, as at a line grown too long, instead of
+    // copying the growing line ten thousand times (an input found by fuzz_template).
+    void titleHoldingItsOwnPlaceholderEndsTheWalkWithinItsBound()
+    {
+        TemplateState state;
+        state.PageTitle = QString(40, QLatin1Char('!')) + QStringLiteral("!!PHOTO_title!!");
+        QVERIFY(EscapeMarks(state.PageTitle).contains(QStringLiteral("!!PHOTO_title!!")));
+        const Walk out = walk("a\n <title>!!PHOTO_title!!</title>\nb\n", state);
+        QCOMPARE(out.page, QString("a\n"));
+        QVERIFY(!out.result.complete);
+        QCOMPARE(out.result.error, QStringLiteral("Out of string space"));
+        QVERIFY2(out.result.charactersCopied <= TemplateWalkResult::MaxWorkPerLine,
+                 qPrintable(QString::number(out.result.charactersCopied)));
     }
 
     void emptyTokenLineIsDropped()
