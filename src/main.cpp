@@ -1,3 +1,4 @@
+#include "BackupInstall.h"
 #include "JobState.h"
 #include "PhotoBuildInstall.h"
 #include "WebSpaceInstall.h"
@@ -29,6 +30,7 @@ int main(int argc, char *argv[])
     // is how every other function sends.
     WebSpace &webSpace = InstallWebSpace(window, mFTP);
     InstallPhotoPage(window, webSpace);
+    InstallBackup(window, webSpace);
 
     window.Load();
     // The session transfers in binary; the mode flag says active, while the data connections
