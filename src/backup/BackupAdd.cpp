@@ -14,6 +14,7 @@
 
 #include <QDateTime>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QLocale>
 
@@ -173,6 +174,8 @@ BackupOutcome BackupJobs::AddNewFileButton(const std::function<FileChoice()> &ch
         ++added;
     }
     m_context.window.cmdDisconnect();
+    // The disconnect leaves the rings of the FTP tab; the next step here is the scan.
+    m_window.shapeEvent(31);
     return finish(added > 0 ? BackupOutcome::Done : BackupOutcome::Nothing);
 }
 
@@ -199,6 +202,7 @@ BackupOutcome BackupJobs::CreateCompressedDirButton(
     };
     const auto finish = [&](BackupOutcome outcome) {
         m_context.window.cmdDisconnect();
+        m_window.shapeEvent(31);
         askForWebPage();
         m_window.setBusy(false);
         m_window.showProgressFrame(false);
@@ -322,6 +326,15 @@ void BackupJobs::RecompressButton()
                                          QStringLiteral(" could not be compressed: ") + why,
                                      Title, JobUi::Buttons::Ok, JobUi::Icon::Warning);
             break;
+        }
+        // The new cabinet must differ in date from the place holder it replaces, or the next
+        // scan would not send it: dates are kept to the second.
+        const QString cabinet = folder + current.Filename;
+        if (FileDateTime(cabinet) == current.DateModified) {
+            QFile file(cabinet);
+            if (file.open(QIODevice::ReadWrite))
+                file.setFileTime(QFileInfo(cabinet).lastModified().addSecs(1),
+                                 QFileDevice::FileModificationTime);
         }
     }
     m_window.setBusy(false);

@@ -190,7 +190,7 @@ void DialogMultiFile::DisplayDirButton_Click()
 
 bool DialogMultiFile::searching() const
 {
-    return m_search.isRunning();
+    return m_searching;
 }
 
 void DialogMultiFile::cmdAction_Click()
@@ -211,6 +211,7 @@ void DialogMultiFile::FindFiles(const QString &root, const QString &pattern)
         list->clear();
     showCount();
     m_cancel = false;
+    m_searching = true;
     m_action->setText(CancelCaption);
     if (!m_cursorSet)
         QApplication::setOverrideCursor(Qt::BusyCursor);
@@ -245,6 +246,9 @@ void DialogMultiFile::takeFound()
 
 void DialogMultiFile::searchDone()
 {
+    if (!m_searching)
+        return;
+    m_searching = false;
     m_takeTimer->stop();
     takeFound();
     showCount();
@@ -257,10 +261,11 @@ void DialogMultiFile::searchDone()
 
 void DialogMultiFile::stopSearch()
 {
-    if (!m_search.isRunning())
+    if (!m_searching)
         return;
     m_cancel = true;
     m_search.waitForFinished();
+    searchDone();
 }
 
 void DialogMultiFile::showCount()

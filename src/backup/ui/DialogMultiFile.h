@@ -40,7 +40,8 @@ public:
     // The rows picked, with CompressFileCheck; pending when the state is "Pending".
     FileChoice choice() const;
 
-    // Starts a search of root for the typed patterns; the rows arrive while it runs.
+    // Starts a search of root for the typed patterns; the rows arrive while it runs, and
+    // searchFinished follows once the last of them is in the lists.
     void FindFiles(const QString &root, const QString &pattern);
     bool searching() const;
     // The folder that Dir1 shows.
@@ -83,6 +84,7 @@ private:
 
     QString m_state = QStringLiteral("Waiting");
     bool m_started = false;
+    bool m_searching = false;
     bool m_cursorSet = false;
     std::atomic<bool> m_cancel{false};
     QFutureWatcher<void> m_search;
