@@ -5,19 +5,19 @@
 #include "PhotoFrameHistory.h"
 #include "PhotoFrameSettings.h"
 #include "PhotoPage.h"
+#include "Pickers.h"
 #include "ReadyToSendPage.h"
 #include "Settings.h"
 #include "SettingsKeys.h"
 #include "frmDialogPg.h"
+#include "frmPaint.h"
 #include "frmZoom.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>
-#include <QColorDialog>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QFontDialog>
 #include <QInputDialog>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -138,6 +138,14 @@ void PhotoFrame::useStandardServices()
             frmZoom::ShowPicture(path, 0, owner);
         };
     }
+    if (!m_services.openPaint) {
+        m_services.openPaint = [owner](const QString &path) {
+            frmPaint::OpenPaint(path, owner->window());
+        };
+    }
+    // A double click on the zoom window's picture opens it in the paint window and waits.
+    frmZoom::setPaintOpener(
+        [owner](const QString &path) { frmPaint::OpenPaintAndWait(path, owner->window()); });
     if (!m_services.choosePdfFile) {
         m_services.choosePdfFile = [owner](const QString &suggested) {
             const QString start = Folders::FindSystemFolder(Folders::SystemFolder::Documents) +
@@ -148,17 +156,13 @@ void PhotoFrame::useStandardServices()
         };
     }
     if (!m_services.chooseColour) {
-        m_services.chooseColour = [owner](const QString &colour, const QString &title) {
-            const QColor chosen = QColorDialog::getColor(QColor(colour), owner, title);
-            return chosen.isValid() ? chosen.name(QColor::HexRgb).toUpper() : QString();
+        m_services.chooseColour = [owner](const QString &colour, const QString &) {
+            return PickColor(colour, owner).value_or(QString());
         };
     }
     if (!m_services.chooseFont) {
         m_services.chooseFont = [owner](const QString &family) {
-            bool ok = false;
-            const QFont chosen = QFontDialog::getFont(&ok, QFont(family, 12), owner,
-                                                      QStringLiteral("Page Text Font"));
-            return ok ? chosen.family() : QString();
+            return PickFont(family, owner).value_or(QString());
         };
     }
 }

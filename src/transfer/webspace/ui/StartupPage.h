@@ -6,6 +6,7 @@
 #include <functional>
 
 class FtpControlTab;
+class LocalWebSpace;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -20,6 +21,9 @@ class frmMain;
 // SettingValue_1..7: server, web site address, user, password, e-mail address (all required),
 // author and the special directory (ClientRoot). OK (Command1) writes them all; closing the page
 // with any of the first six blank ends the program.
+//
+// TryItHereButton, for a user without a web space at hand, starts a web space on this computer
+// (LocalWebSpace) and fills the account fields with it.
 class StartupPage final : public QDialog
 {
     Q_OBJECT
@@ -32,6 +36,10 @@ public:
     void Load();
     void TestConnectButton_Click();
     void Command1_Click();
+    void TryItHereButton_Click();
+
+    // The web space on this computer that TryItHereButton starts (owned elsewhere).
+    void setLocalWebSpace(LocalWebSpace *local) { m_local = local; }
 
     QLineEdit *SettingValue(int index) const;
     QLabel *Label4() const { return m_label4; }
@@ -53,6 +61,8 @@ private:
     QPushButton *m_testButton = nullptr;
     QPushButton *m_okButton = nullptr;
     QPushButton *m_helpButton = nullptr;
+    QPushButton *m_tryButton = nullptr;
+    LocalWebSpace *m_local = nullptr;
     QLabel *m_label3 = nullptr;
     QLabel *m_label4 = nullptr;
     QTimer *m_timer1 = nullptr;
