@@ -468,6 +468,46 @@ private slots:
         QCOMPARE(workFiles(), QStringList());
     }
 
+    void aListCutInTheMiddleOfARecordHealsAtTheNextSend()
+    {
+        startServer();
+        makeLocalFile(doc(QStringLiteral("a.txt")), "a", Then);
+        makeLocalFile(doc(QStringLiteral("b.txt")), "b", Then.addDays(1));
+        list(listedRecord(doc(QStringLiteral("a.txt")), Site, false, true));
+        list(listedRecord(doc(QStringLiteral("b.txt")), Site, false, true));
+        // The list loses its end in the middle of b's record, as a full disk would leave it.
+        QByteArray bytes = readFile(m_fx->frame->list().listPath());
+        bytes.truncate(bytes.lastIndexOf("DateModified"));
+        makeLocalFile(m_fx->frame->list().listPath(), bytes);
+        const QByteArray cut = bytes;
+        scan();
+        // b's date went with the cut, and the walk compared with the date of the record before
+        // it: b counts as changed, is sent, and its record is written whole again.
+        QCOMPARE(readFile(remote(QStringLiteral("b.txt"))), QByteArray("b"));
+        QCOMPARE(stores(QStringLiteral("a.txt")), 0);
+        const BackupRecord b = recordOf(QStringLiteral("b.txt"));
+        QCOMPARE(b.DateModified, FileDateText(Then.addDays(1)));
+        QCOMPARE(b.UploadPath, QStringLiteral("example.org/Backup/b.txt"));
+        QCOMPARE(readFile(m_fx->frame->list().oldPath()), cut);
+        QCOMPARE(m_fx->fileList()->count(), 2);
+    }
+
+    void binaryJunkInTheListIsPassedOver()
+    {
+        startServer();
+        makeLocalFile(doc(QStringLiteral("a.txt")), "a", Then);
+        const QString path = m_fx->frame->list().listPath();
+        makeLocalFile(path, randomBytes(20000, 99) + "\r\n" +
+                                BackupRecordText(listedRecord(doc(QStringLiteral("a.txt")), Site,
+                                                              false, false))
+                                    .toUtf8() +
+                                "\r\n" + randomBytes(5000, 98));
+        scan();
+        QCOMPARE(readFile(remote(QStringLiteral("a.txt"))), QByteArray("a"));
+        QCOMPARE(recordOf(QStringLiteral("a.txt")).NumberOfBackupTimes, qint16(2));
+        QVERIFY(QFile::exists(m_fx->frame->list().oldPath()));
+    }
+
     void aRefusedLoginIsAConnectionFailure()
     {
         FtpTestServer::Options options;

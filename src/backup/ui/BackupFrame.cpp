@@ -312,6 +312,9 @@ BackupStatusView BackupFrame::statusView() const
 
 void BackupFrame::showStatus(const BackupStatusView &view)
 {
+    // A scan shows every entry it walks: only what changes is touched, so that a long walk
+    // costs the window little.
+    const BackupStatusView before = m_view;
     m_view = view;
     const auto set = [](QLineEdit *box, const QString &text) {
         if (box->text() != text)
@@ -323,12 +326,18 @@ void BackupFrame::showStatus(const BackupStatusView &view)
     set(m_times, view.NumberOfBackupTimesOfItem);
     set(m_location, view.LocationPathOfItem);
     set(m_uploadPath, view.UploadpathOfItem);
-    m_report->setText(view.ReportIfFound);
-    paint(m_currentDate, view.currentDateColour, QPalette::Text);
-    paint(m_dateModified, view.dateModifiedColour, QPalette::Text);
-    paint(m_dateBackup, view.dateBackupColour, QPalette::Text);
-    paint(m_location, view.locationColour, QPalette::Text);
-    paint(m_report, view.reportColour, QPalette::WindowText);
+    if (m_report->text() != view.ReportIfFound)
+        m_report->setText(view.ReportIfFound);
+    const auto colour = [](QWidget *widget, StatusColour was, StatusColour now,
+                           QPalette::ColorRole role) {
+        if (was != now)
+            paint(widget, now, role);
+    };
+    colour(m_currentDate, before.currentDateColour, view.currentDateColour, QPalette::Text);
+    colour(m_dateModified, before.dateModifiedColour, view.dateModifiedColour, QPalette::Text);
+    colour(m_dateBackup, before.dateBackupColour, view.dateBackupColour, QPalette::Text);
+    colour(m_location, before.locationColour, view.locationColour, QPalette::Text);
+    colour(m_report, before.reportColour, view.reportColour, QPalette::WindowText);
     m_relocate->setVisible(view.relocateVisible);
     m_fileNotFound->setVisible(view.fileNotFoundVisible);
     m_recompress->setEnabled(view.recompressEnabled);

@@ -10,6 +10,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -48,6 +49,10 @@ DialogMultiFile::DialogMultiFile(QWidget *parent, const QString &start) : QDialo
     m_dirPath->setObjectName(QStringLiteral("DirPath"));
     auto *go = new QPushButton(QStringLiteral("Go"), this);
     go->setObjectName(QStringLiteral("DisplayDirButton"));
+    auto *browse = new QPushButton(QStringLiteral("..."), this);
+    browse->setObjectName(QStringLiteral("BrowseFolderButton"));
+    browse->setToolTip(QStringLiteral("Select the desired folder"));
+    browse->setAutoDefault(false);
     m_text1 = new QLineEdit(this);
     m_text1->setObjectName(QStringLiteral("Text1"));
     auto *searchLabel = new QLabel(QStringLiteral("Search String"), this);
@@ -92,6 +97,7 @@ DialogMultiFile::DialogMultiFile(QWidget *parent, const QString &start) : QDialo
     auto *pathRow = new QHBoxLayout;
     pathRow->addWidget(m_dirPath, 1);
     pathRow->addWidget(go);
+    pathRow->addWidget(browse);
     left->addLayout(pathRow);
     auto *searchRow = new QHBoxLayout;
     searchRow->addWidget(searchLabel);
@@ -129,6 +135,12 @@ DialogMultiFile::DialogMultiFile(QWidget *parent, const QString &start) : QDialo
             [this](int index) { setFolder(m_drive->itemData(index).toString()); });
     connect(m_dir, &DirListBox::pathChanged, m_dirPath, &QLineEdit::setText);
     connect(go, &QPushButton::clicked, this, &DialogMultiFile::DisplayDirButton_Click);
+    connect(browse, &QPushButton::clicked, this, [this] {
+        const QString chosen = QFileDialog::getExistingDirectory(
+            this, QStringLiteral("Select the desired folder"), m_dir->path());
+        if (!chosen.isEmpty())
+            setFolder(chosen);
+    });
     connect(m_action, &QPushButton::clicked, this, &DialogMultiFile::cmdAction_Click);
     connect(m_compress, &QCheckBox::clicked, this, [this] {
         SaveSetting(SettingKey::Compression,
