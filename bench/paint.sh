@@ -3,6 +3,7 @@
 # ImageMagick's nearest operation, side by side in one run.
 #
 #   bench/paint.sh [BUILD_DIR]
+#   ONLY="blur rotate17" bench/paint.sh    (some operations only)
 #
 # Both sides read the same PPM file and write a PPM file, in one process per operation, using
 # every core (Tarnwick's thread pool, ImageMagick's OpenMP). Each is run three times and the best
@@ -64,6 +65,7 @@ printf '%-12s %-40s %9.2f %9.2f %9s %9s %7s\n' baseline "(read and write)" "$bas
 
 while IFS='|' read -r name ours theirs; do
     [ -z "$name" ] && continue
+    if [ -n "${ONLY:-}" ] && [[ " $ONLY " != *" $name "* ]]; then continue; fi
     t=$(best_of "$bench" "$input" "$scratch/t.ppm" "$ours")
     w=$(work_ms)
     # shellcheck disable=SC2086

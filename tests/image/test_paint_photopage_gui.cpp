@@ -1,10 +1,13 @@
 #include "BuildFixture.h"
+#include "JobState.h"
+#include "PaintInstall.h"
 #include "PhotoBuildInstall.h"
 #include "PhotoFrame.h"
 #include "PhotoFrameInstall.h"
 #include "Settings.h"
 #include "SettingsKeys.h"
 #include "TestMain.h"
+#include "WebSpace.h"
 #include "cDIBSection.h"
 #include "frmAction.h"
 #include "frmInputBox.h"
@@ -105,11 +108,13 @@ private slots:
         SaveSetting(SettingKey::PromptForTitle, QStringLiteral("False"));
         SaveSetting(SettingKey::PromptForDescription, QStringLiteral("False"));
 
-        cFTP ftp;
-        frmMain window;
+        JobState state;
+        cFTP ftp(state);
+        frmMain window(state);
+        InstallPaint(window);
         PhotoFrame *frame = InstallPhotoFrame(window);
-        PhotoBuildController *build = InstallPhotoBuild(window, *frame, ftp);
-        frmAction::Install(&window, [&window] { window.HelpButton_Click(); });
+        PhotoBuildController *build = InstallPhotoBuild(window, *frame, *new WebSpace(window, ftp));
+        frmAction::Install(state, &window, [&window] { window.HelpButton_Click(); });
         frame->readFolders();
         window.txtServer()->setText(server.server());
         window.txtUser()->setText(server.user());
@@ -206,13 +211,40 @@ private slots:
         QVERIFY(qAbs(qGray(large.pixel(large.width() / 2, large.height() / 2)) - grey) <= 6);
     }
 
+    void toolsPaintOpensAnEmptyPictureAndNoEditorHidesTheButton()
+    {
+        JobState state;
+        frmMain window(state);
+        InstallPaint(window);
+        InstallPhotoFrame(window);
+        auto *entry = window.findChild<QAction *>(QStringLiteral("mnuPaint"));
+        QVERIFY(entry);
+        entry->trigger();
+        QPointer<frmPaint> paint = window.findChild<frmPaint *>();
+        QVERIFY(paint && paint->isVisible());
+        paint->close();
+
+        // A window without the picture editor offers no Paint button.
+        JobState other;
+        frmMain bare(other);
+        PhotoFrame *frame = InstallPhotoFrame(bare);
+        bare.show();
+        bare.FunctionSelectButton_Click(0);
+        QVERIFY(frame->isVisible());
+        QVERIFY(!frame->findChild<QPushButton *>(QStringLiteral("Command4"))->isVisible());
+        QVERIFY(!bare.findChild<QAction *>(QStringLiteral("mnuPaint")));
+    }
+
     void theZoomWindowsDoubleClickWaitsForThePaintWindow()
     {
         QTemporaryDir dir;
         const QString photo = dir.filePath(QStringLiteral("Tree.jpg"));
         QVERIFY(makePhoto(photo, QColor(30, 140, 40)));
-        frmMain window;
+        JobState state;
+        frmMain window(state);
+        InstallPaint(window);
         InstallPhotoFrame(window); // the photo function's paint opener
+        window.show();
 
         QPointer<frmZoom> zoom = frmZoom::ShowPicture(photo, 0);
         auto *image = zoom->findChild<QLabel *>(QStringLiteral("Image1"));
@@ -221,10 +253,9 @@ private slots:
         QTimer closer;
         closer.setInterval(5);
         QObject::connect(&closer, &QTimer::timeout, [&] {
-            if (frmPaint *paint = openPaintWindow()) {
-                order << paint->document().PictureFile();
-                paint->close();
-                order << QStringLiteral("closed");
+            // A close asked for while the picture is still being read is refused; ask again.
+            if (frmPaint *paint = openPaintWindow(); paint && paint->close()) {
+                order << paint->document().PictureFile() << QStringLiteral("closed");
                 closer.stop();
             }
         });
@@ -233,6 +264,18 @@ private slots:
         order << QStringLiteral("returned");
         QCOMPARE(order, QStringList({photo, QStringLiteral("closed"), QStringLiteral("returned")}));
         zoom->close();
+
+        // The Tools menu's Paint: the paint window alone, with an empty picture.
+        auto *menuPaint = window.findChild<QAction *>(QStringLiteral("mnuPaint"));
+        QVERIFY(menuPaint);
+        QCOMPARE(menuPaint->text(), QStringLiteral("&Paint"));
+        menuPaint->trigger();
+        QPointer<frmPaint> alone = openPaintWindow();
+        QVERIFY(alone);
+        QCOMPARE(alone->windowTitle(), QStringLiteral("untitled - Paint"));
+        QCOMPARE(alone->document().picture().pixel(3, 3), qRgb(255, 255, 255));
+        alone->close();
+        QTRY_VERIFY(!alone);
     }
 };
 

@@ -102,22 +102,26 @@ frmPaint *frmPaint::OpenPaint(const QString &path, QWidget *parent)
 {
     auto *paint = new frmPaint(parent);
     paint->show();
+    QPointer<frmPaint> alive = paint;
     if (!path.isEmpty())
         paint->document().mnuOpen_My_Click(path);
-    QCoreApplication::processEvents();
-    paint->show();
-    paint->raise();
-    paint->activateWindow();
+    // The user may have closed it while the picture was read.
+    if (alive && alive->isVisible()) {
+        alive->raise();
+        alive->activateWindow();
+    }
     return paint;
 }
 
 void frmPaint::OpenPaintAndWait(const QString &path, QWidget *parent)
 {
     QPointer<frmPaint> paint = OpenPaint(path, parent);
+    if (!paint || !paint->isVisible())
+        return;
     QEventLoop wait;
+    connect(paint.data(), &frmPaint::closed, &wait, &QEventLoop::quit);
     connect(paint.data(), &QObject::destroyed, &wait, &QEventLoop::quit);
-    if (paint)
-        wait.exec();
+    wait.exec();
 }
 
 void frmPaint::closeEvent(QCloseEvent *event)
@@ -127,6 +131,7 @@ void frmPaint::closeEvent(QCloseEvent *event)
         return;
     }
     event->accept();
+    emit closed();
 }
 
 // --- PaintHost

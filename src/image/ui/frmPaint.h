@@ -33,7 +33,8 @@ public:
     // Shows a paint window and opens path in it (nothing when path is ""). The window lives
     // until the user closes it.
     static frmPaint *OpenPaint(const QString &path, QWidget *parent = nullptr);
-    // As OpenPaint, and returns only when the window has closed (the event loop runs meanwhile).
+    // As OpenPaint, and returns only when the window has closed (the event loop runs meanwhile;
+    // the window is deleted once control is back in the caller's loop).
     static void OpenPaintAndWait(const QString &path, QWidget *parent = nullptr);
 
     PaintDocument &document() { return *m_document; }
@@ -53,6 +54,11 @@ public:
     void mnuFillColor_Click();
     void mnuFont_Click();
 
+signals:
+    // The window has accepted a close (it is deleted later).
+    void closed();
+
+public:
     // Cancel of the long work under way (the status bar's button).
     void cancelLongWork() { m_cancel = true; }
     bool longWorkRunning() const { return m_longWork; }

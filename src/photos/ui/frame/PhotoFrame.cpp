@@ -10,7 +10,6 @@
 #include "Settings.h"
 #include "SettingsKeys.h"
 #include "frmDialogPg.h"
-#include "frmPaint.h"
 #include "frmZoom.h"
 
 #include <QAbstractButton>
@@ -138,14 +137,6 @@ void PhotoFrame::useStandardServices()
             frmZoom::ShowPicture(path, 0, owner);
         };
     }
-    if (!m_services.openPaint) {
-        m_services.openPaint = [owner](const QString &path) {
-            frmPaint::OpenPaint(path, owner->window());
-        };
-    }
-    // A double click on the zoom window's picture opens it in the paint window and waits.
-    frmZoom::setPaintOpener(
-        [owner](const QString &path) { frmPaint::OpenPaintAndWait(path, owner->window()); });
     if (!m_services.choosePdfFile) {
         m_services.choosePdfFile = [owner](const QString &suggested) {
             const QString start = Folders::FindSystemFolder(Folders::SystemFolder::Documents) +
