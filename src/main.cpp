@@ -1,3 +1,4 @@
+#include "BackupInstall.h"
 #include "JobState.h"
 #include "PaintInstall.h"
 #include "PhotoBuildInstall.h"
@@ -34,6 +35,7 @@ int main(int argc, char *argv[])
     InstallPaint(window);
     InstallPhotoPage(window, webSpace);
     InstallWebLog(window, webSpace);
+    InstallBackup(window, webSpace);
 
     window.Load();
     // The session transfers in binary; the mode flag says active, while the data connections
