@@ -60,6 +60,8 @@ TransferEngine::~TransferEngine()
 {
     if (m_ownSession)
         m_ownSession->Close();
+    else
+        m_session.Unhook();
 }
 
 QString TransferEngine::TemporaryName(const QString &fileName)

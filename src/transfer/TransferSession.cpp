@@ -44,6 +44,15 @@ void TransferSession::Cancel()
         m_connection->cancel();
 }
 
+void TransferSession::Unhook()
+{
+    if (!m_connection)
+        return;
+    m_connection->cancelRequested = nullptr;
+    m_connection->onOpenSocket = nullptr;
+    m_connection->onLibraryText = nullptr;
+}
+
 int TransferSession::Logins() const
 {
     return m_earlierLogins + (m_connection ? m_connection->logins() : 0);

@@ -29,6 +29,9 @@ public:
     void Close();
     // Stops the request in flight, if any.
     void Cancel();
+    // Forgets the cancel check and the status hooks a user of the kept connection set on it,
+    // for a user that goes while the connection stays.
+    void Unhook();
     // Logins made through this session so far (over every connection it has had).
     int Logins() const;
 

@@ -125,16 +125,16 @@ private slots:
                          QLatin1Char(')'));
             QVERIFY(world->progress.errors.isEmpty());
         } else {
-            // The directories are made all the same; each of the five files then has its
-            // three attempts, each ending as the fault's error in the transfer's form.
-            QCOMPARE(outcome, PhotoBuildOutcome::Sent);
-            const QString text = FtpErrors::Description(fault.number);
-            QCOMPARE(world->progress.errors.size(), 15);
-            for (const QString &error : std::as_const(world->progress.errors))
-                QCOMPARE(error, text);
-            QVERIFY(QDir(world->server.localPath(QStringLiteral("/Photos/Faults")))
-                        .entryList(QDir::Files)
-                        .isEmpty());
+            // The login works, but no listing comes: the page's folder is made and cannot be
+            // entered by its listed name, so the run ends at the check of the upload path with
+            // its message, before any file is sent.
+            QCOMPARE(outcome, PhotoBuildOutcome::WrongPath);
+            QCOMPARE(world->ui.messages.size(), 1);
+            QCOMPARE(world->ui.messages.first().text,
+                     QStringLiteral("The connection to the upload path has failed. Select the "
+                                    "Rebuild option and the History file and resend."));
+            QVERIFY(world->progress.errors.isEmpty());
+            QCOMPARE(world->server.countCommands(QStringLiteral("STOR")), 0);
         }
         QVERIFY(!world->ftp.IsConnected());
         QVERIFY(!world->ftp.Transfers().IsOpen());

@@ -293,14 +293,14 @@ private slots:
         m_fx->fillAccount(bad);
         const QString waitFor = fault.atLogin ? QStringLiteral("Connecting to ")
                                               : QStringLiteral("Waiting for ");
-        QObject scope;
+        auto scope = std::make_unique<QObject>();
         int presses = 0;
-        QObject::connect(&m_tab->waitNotice(), &WaitNotice::shown, &scope,
+        QObject::connect(&m_tab->waitNotice(), &WaitNotice::shown, scope.get(),
                          [&](const QString &text) {
                              if (!text.startsWith(waitFor))
                                  return;
                              ++presses;
-                             QTimer::singleShot(50, &scope, [this] {
+                             QTimer::singleShot(50, scope.get(), [this] {
                                  m_fx->window
                                      ->findChild<QPushButton *>(QStringLiteral("CancelWaitButton"))
                                      ->click();
@@ -321,7 +321,8 @@ private slots:
         QVERIFY(!m_fx->ftp->IsConnected());
         QVERIFY(!m_fx->ftp->Transfers().IsOpen());
         QVERIFY(m_tab->waitNotice().text().isEmpty());
-        // Ready for the next try, which works against the right server.
+        // Ready for the next try, which works against the right server (and is not pressed).
+        scope.reset();
         SetServerLimits(QStringLiteral("20"));
         m_fx->fillAccount(*m_server);
         send(localFile(QStringLiteral("a.txt"), "a"), QStringLiteral("AB"));
