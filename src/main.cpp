@@ -1,4 +1,5 @@
 #include "JobState.h"
+#include "PaintInstall.h"
 #include "PhotoBuildInstall.h"
 #include "WebSpaceInstall.h"
 #include "cFTP.h"
@@ -28,6 +29,8 @@ int main(int argc, char *argv[])
     // FTP Control & Settings, Send a File and the Configuration page; the web space they give
     // is how every other function sends.
     WebSpace &webSpace = InstallWebSpace(window, mFTP);
+    // The picture editor, before the functions whose pictures it opens.
+    InstallPaint(window);
     InstallPhotoPage(window, webSpace);
 
     window.Load();

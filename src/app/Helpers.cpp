@@ -124,3 +124,14 @@ QString FindPathNoCase(const QString &folder, const QString &relativePath)
     }
     return parts.isEmpty() ? QString() : path;
 }
+
+QString TrimBlanks(const QString &text)
+{
+    qsizetype first = 0;
+    qsizetype last = text.size();
+    while (first < last && text.at(first) == QLatin1Char(' '))
+        ++first;
+    while (last > first && text.at(last - 1) == QLatin1Char(' '))
+        --last;
+    return text.mid(first, last - first);
+}

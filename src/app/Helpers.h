@@ -7,6 +7,9 @@
 
 // The last part of a path ("Pics" of "/home/ann/Pics" or of "C:\Pics\"). A name read from an old
 // record may still hold "\", so both "/" and "\" separate. Separators at the end are ignored.
+// The text without the blanks (spaces only) at its start and end; tabs and line breaks stay.
+QString TrimBlanks(const QString &text);
+
 QString GetRoot(const QString &path);
 // The parent of a path, without a separator at its end ("/home/ann" of "/home/ann/Pics"); "/"
 // for a child of the root; "" when the path has no separator.

@@ -1,5 +1,6 @@
 #include "HTMLMake.h"
 
+#include "Helpers.h"
 #include "JobState.h"
 #include "JobUi.h"
 #include "RecordFile.h"
@@ -13,18 +14,6 @@
 namespace {
 
 const QString HttpPrefix = QStringLiteral("http://");
-
-// Trims blanks only, as the pointer texts have always been trimmed: line breaks stay.
-QString trimBlanks(const QString &text)
-{
-    qsizetype first = 0;
-    qsizetype last = text.size();
-    while (first < last && text.at(first) == QLatin1Char(' '))
-        ++first;
-    while (last > first && text.at(last - 1) == QLatin1Char(' '))
-        --last;
-    return text.mid(first, last - first);
-}
 
 const QByteArray HeaderTemplate = QByteArrayLiteral("Version:1.0\r\n"
                                                     "StartHTML:aaaaaaaaaa\r\n"
@@ -62,7 +51,7 @@ qsizetype numberBehind(const QByteArray &text, const QByteArray &key)
 
 QString RemoveFTPRoot(const QString &path)
 {
-    const QString root = trimBlanks(GetSetting(QStringLiteral("FTPRoot")));
+    const QString root = TrimBlanks(GetSetting(QStringLiteral("FTPRoot")));
     if (root.isEmpty())
         return path;
     const qsizetype at = path.indexOf(root + QLatin1Char('/'));

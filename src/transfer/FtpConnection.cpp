@@ -52,13 +52,6 @@ struct SList
     SList &operator=(const SList &) = delete;
 };
 
-bool startsWithCode(const QByteArray &line)
-{
-    return line.size() >= 3 && std::isdigit(static_cast<unsigned char>(line[0])) &&
-           std::isdigit(static_cast<unsigned char>(line[1])) &&
-           std::isdigit(static_cast<unsigned char>(line[2]));
-}
-
 int limitFromSettings(const QString &key, int defaultMs)
 {
     bool ok = false;
@@ -275,8 +268,7 @@ FtpConnection::Result FtpConnection::performOnce(const Request &request, Outcome
     *outcome = Outcome::Done;
     m_request = &request;
     m_replies.clear();
-    m_pending = FtpReply();
-    m_inMultiLine = false;
+    m_reader.reset();
     m_passwordAsked = false;
     m_openedSession = !m_alive;
     m_unexpectedSession = false;
@@ -305,8 +297,8 @@ FtpConnection::Result FtpConnection::performOnce(const Request &request, Outcome
             result.code = drive();
         },
         request.maxWaitMs);
-    if (!m_pending.lines.isEmpty() && m_pending.code != 0)
-        m_replies.append(m_pending);
+    if (const auto cut = m_reader.pending())
+        m_replies.append(*cut);
     deliverProgress();
     m_request = nullptr;
 
@@ -535,34 +527,15 @@ void FtpConnection::close()
     shutDownSockets();
 }
 
-bool FtpConnection::addReplyLine(const QByteArray &raw)
+bool FtpConnection::addReplyLine(const QByteArray &line)
 {
-    QByteArray line = raw;
-    while (line.endsWith('\n') || line.endsWith('\r'))
-        line.chop(1);
-    const QString text = QString::fromUtf8(line);
-    if (!m_inMultiLine) {
-        if (!startsWithCode(line))
-            return true; // not a server reply (the library's own header lines)
-        m_pending = FtpReply();
-        m_pending.code = line.left(3).toInt();
-        m_pending.lines.append(text);
-        if (line.size() > 3 && line[3] == '-') {
-            m_inMultiLine = true;
-            return true;
-        }
-    } else {
-        m_pending.lines.append(text);
-        if (!(startsWithCode(line) && line.left(3).toInt() == m_pending.code &&
-              (line.size() == 3 || line[3] == ' ')))
-            return true;
-        m_inMultiLine = false;
-    }
-    if (m_pending.code == 331)
+    auto reply = m_reader.addLine(line);
+    if (!reply)
+        return true;
+    if (reply->code == 331)
         m_passwordAsked = true;
-    const bool greeting = m_replies.isEmpty() && m_pending.code == 220;
-    m_replies.append(m_pending);
-    m_pending = FtpReply();
+    const bool greeting = m_replies.isEmpty() && reply->code == 220;
+    m_replies.append(std::move(*reply));
     if (greeting && m_expectKept) {
         // The library had to log in anew, where this request would work in the wrong
         // directory: it stops here, before any command, and goes again with its CWD.

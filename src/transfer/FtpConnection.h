@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "FtpReplyReader.h"
+
 #include <curl/curl.h>
 
 #include <atomic>
@@ -45,14 +47,6 @@ struct FtpLimits
     static const QString ReplyKey;
     static const QString StallKey;
     static FtpLimits FromSettings();
-};
-
-// One reply of the server: its code and its text lines (without line ends).
-struct FtpReply
-{
-    int code = 0;
-    QStringList lines;
-    QString text() const { return lines.join(QLatin1Char('\n')); }
 };
 
 // One libcurl connection to one FTP server and account, kept from request to request: the
@@ -216,8 +210,7 @@ private:
 
     const Request *m_request = nullptr;
     QList<FtpReply> m_replies;
-    FtpReply m_pending;
-    bool m_inMultiLine = false;
+    FtpReplyReader m_reader;
     bool m_passwordAsked = false;
     bool m_openedSession = false;
     // The request was sent over a kept connection without a CWD of its own.

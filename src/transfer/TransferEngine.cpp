@@ -83,7 +83,8 @@ bool TransferEngine::SessionDelete(const QString &server, const QString &user,
     request.directory = directory;
     request.quote = {QStringLiteral("*DELE ") + name};
     request.maxWaitMs = maxWaitMs;
-    const bool done = session.perform(request).ok() && session.lastReply().code < 400;
+    const bool done = session.perform(request).ok() && session.lastReply().code < 400 &&
+                      session.lastReply().codeInRange();
     session.close();
     return done;
 }
@@ -164,7 +165,7 @@ bool TransferEngine::enterDirectory(FtpConnection &session, const QString &direc
     if (!result.ok()) {
         LastError = result.cancelled ? FtpErrors::OperationCancelled
                                      : FtpErrors::NumberFor(result.code, session);
-        LastErrorText = errorText(LastError, session.lastReply().text());
+        LastErrorText = errorText(LastError, FtpErrors::ServerText(session.lastReply()));
         LastWasCancelled = result.cancelled;
         tellClosed(session);
         return false;
@@ -300,6 +301,8 @@ bool TransferEngine::SessionDownload(const QString &server, const QString &user,
         lookup.kind = FtpConnection::Request::Kind::List;
         lookup.directory = directory;
         lookup.write = [&listing](const char *data, size_t size) {
+            if (listing.size() + qint64(size) > FtpListing::MaxBytes)
+                return false; // a listing beyond any directory's is not read
             listing.append(data, qsizetype(size));
             return true;
         };
@@ -370,9 +373,10 @@ void TransferEngine::recordFailure(bool cancelled, int number, const FtpConnecti
 {
     LastWasCancelled = cancelled || m_state.skipped();
     LastError = number;
-    LastErrorText = errorText(LastError, session.lastReply().text());
+    LastErrorText = errorText(LastError, FtpErrors::ServerText(session.lastReply()));
     if (!LastWasCancelled)
-        m_ui.FloodShowStatus(WininetErrorText(LastError, session.lastReply().text()));
+        m_ui.FloodShowStatus(
+            WininetErrorText(LastError, FtpErrors::ServerText(session.lastReply())));
 }
 
 void TransferEngine::TransferStatusCallback(int status, const QVariant &data)

@@ -9,7 +9,6 @@
 #include "frmMain.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QSignalSpy>
@@ -89,8 +88,6 @@ private slots:
         DialogTransferUi ui(state);
         ui.ShowProgress();
         TransferEngine engine(ui, state);
-        QElapsedTimer clock;
-        clock.start();
         const bool sent = engine.SessionUpload(server.server(), server.user(), server.password(),
                                                QStringLiteral("/"), file);
         watch.stop();
@@ -107,7 +104,6 @@ private slots:
                  qPrintable(QString::number(bytesAtTheEnd)));
         QVERIFY(!sent);
         QVERIFY(!QFile::exists(arrived));
-        QVERIFY(clock.elapsed() < 60000);
     }
 };
 

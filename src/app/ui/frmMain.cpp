@@ -426,14 +426,17 @@ void frmMain::setSpellChecker(std::function<QString(const QString &)> checker)
     updateSpellingEntries();
 }
 
-void frmMain::setPictureEditor(std::function<bool(const QString &)> editor)
+void frmMain::setPictureEditor(std::function<void(const QString &, bool)> editor)
 {
     m_pictureEditor = std::move(editor);
 }
 
-bool frmMain::editPicture(const QString &path)
+bool frmMain::editPicture(const QString &path, bool wait)
 {
-    return m_pictureEditor && m_pictureEditor(path);
+    if (!m_pictureEditor)
+        return false;
+    m_pictureEditor(path, wait);
+    return true;
 }
 
 bool frmMain::eventFilter(QObject *watched, QEvent *event)

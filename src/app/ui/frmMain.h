@@ -193,11 +193,14 @@ public:
     // CheckSpellingMenu and CheckSpellingAllMenu stay disabled whatever SpellCheck says.
     void setSpellChecker(std::function<QString(const QString &)> checker);
     const std::function<QString(const QString &)> &spellChecker() const { return m_spellChecker; }
-    // Opens a picture file in the picture editor and returns when the user has closed it;
-    // unset, there is no picture editor and editPicture returns false at once.
-    void setPictureEditor(std::function<bool(const QString &path)> editor);
+    // The picture editor: opens a picture file ("" for a new picture) in its window, and with
+    // wait returns only when the user has closed that window (the event loop runs meanwhile).
+    // Unset, there is no picture editor and editPicture returns false at once.
+    void setPictureEditor(std::function<void(const QString &path, bool wait)> editor);
     bool hasPictureEditor() const { return static_cast<bool>(m_pictureEditor); }
-    bool editPicture(const QString &path);
+    bool editPicture(const QString &path, bool wait = false);
+    // An entry of a part of the program that is not one of the six functions (a tool).
+    void addMenuEntry(MenuEntry entry);
 
     // What follows programEnding: every window is hidden, the event loops are told to end and,
     // at the next turn of whichever loop still runs (a job may be waiting inside one),
@@ -285,5 +288,5 @@ private:
     std::function<void()> m_closeHook;
     std::function<void()> m_setupPage;
     std::function<QString(const QString &)> m_spellChecker;
-    std::function<bool(const QString &)> m_pictureEditor;
+    std::function<void(const QString &, bool)> m_pictureEditor;
 };

@@ -35,12 +35,8 @@ void frmMain::addFunction(ShellFunction function)
         return;
     const auto at = static_cast<size_t>(index);
     m_tabFrames[at]->layout()->addWidget(function.content);
-    for (MenuEntry &entry : function.menuEntries) {
-        if (QMenu *menu = entry.action ? menuTitled(entry.menu) : nullptr) {
-            entry.action->setParent(this);
-            menu->addAction(entry.action);
-        }
-    }
+    for (MenuEntry &entry : function.menuEntries)
+        addMenuEntry(entry);
     m_instrMenus[at]->setText(function.instructions.menu);
     m_instrMenus[at]->setVisible(!function.instructions.menu.isEmpty());
     m_functionButtons[at]->setEnabled(true);
@@ -53,6 +49,14 @@ bool frmMain::hasFunction(int index) const
 {
     return index >= 0 && index < FunctionCount &&
            m_functions[static_cast<size_t>(index)].content != nullptr;
+}
+
+void frmMain::addMenuEntry(MenuEntry entry)
+{
+    if (QMenu *menu = entry.action ? menuTitled(entry.menu) : nullptr) {
+        entry.action->setParent(this);
+        menu->addAction(entry.action);
+    }
 }
 
 QMenu *frmMain::menuTitled(const QString &title)

@@ -1,6 +1,7 @@
 #include "frmAction.h"
 
 #include "HTMLMake.h"
+#include "Helpers.h"
 #include "JobState.h"
 #include "JobUi.h"
 
@@ -25,17 +26,6 @@ const int BodyMaxLength = 200;
 const int LabelMaxLength = 50;
 const int LongPointer = 75;
 const QChar VerticalTab(11);
-
-QString trimBlanks(const QString &text)
-{
-    qsizetype first = 0;
-    qsizetype last = text.size();
-    while (first < last && text.at(first) == QLatin1Char(' '))
-        ++first;
-    while (last > first && text.at(last - 1) == QLatin1Char(' '))
-        --last;
-    return text.mid(first, last - first);
-}
 
 QPushButton *actionButton(const QString &name, const QString &caption, QWidget *parent)
 {
@@ -234,7 +224,7 @@ void frmAction::CopyPointerToClipButton_Click()
         QStringLiteral("Click here to follow the pointer"), QStringLiteral("Hide"), LabelMaxLength);
     if (label == JobState::Blank)
         label = QStringLiteral("Pointer");
-    if (trimBlanks(label).isEmpty() || label == JobState::Skip)
+    if (TrimBlanks(label).isEmpty() || label == JobState::Skip)
         return;
 
     m_state.CurrentPointer = CompletePointer(m_state.CurrentPointer);
@@ -258,11 +248,11 @@ void frmAction::SendEmail_Click()
     m_ui.ProcessEvents();
     m_state.CurrentPointer = CompletePointer(m_state.CurrentPointer);
     m_pointerText->setText(m_state.CurrentPointer);
-    const QString pointer = trimBlanks(m_state.CurrentPointer);
+    const QString pointer = TrimBlanks(m_state.CurrentPointer);
 
     QString body = m_body->toPlainText();
     body.replace(QLatin1Char('\n'), QStringLiteral("\r\n"));
-    const QString mailto = MailtoText(m_subject->text(), trimBlanks(body), pointer);
+    const QString mailto = MailtoText(m_subject->text(), TrimBlanks(body), pointer);
 
     if (m_state.CurrentPointer.contains(QStringLiteral("%20")))
         m_ui.Message(QStringLiteral("Error - Your file name contains spaces that will not transfer "
@@ -293,7 +283,7 @@ void frmAction::SendEmail_Click()
 void frmAction::ViewButton_Click()
 {
     m_ui.ProcessEvents();
-    const QString pointer = trimBlanks(m_state.CurrentPointer);
+    const QString pointer = TrimBlanks(m_state.CurrentPointer);
     if (pointer.isEmpty())
         return;
     m_ui.OpenUrl(pointerUrl(pointer));

@@ -34,6 +34,10 @@ public:
         // How long each password check takes, as on a real server (other sessions go on
         // meanwhile).
         int loginDelayMs = 0;
+        // The hostile server of hostileserver.py instead of pyftpdlib: its faults are the
+        // behaviours listed there (overlong lines, huge and endless listings, names holding
+        // "../", "/", NUL and line breaks, reply codes out of range).
+        bool hostile = false;
     };
 
     FtpTestServer();
@@ -70,6 +74,7 @@ public:
     static QString pythonProgram();
     // The server script, for tools that want to start it themselves.
     static QString scriptPath();
+    static QString hostileScriptPath();
 
 private:
     Options m_options;

@@ -4,13 +4,36 @@
 #include "ReadyToSendPage.h"
 #include "Settings.h"
 #include "TestMain.h"
+#include "frmFont.h"
+#include "frmSelectColor.h"
 
 #include <QCheckBox>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
 #include <QTabWidget>
+#include <QTimer>
+
+namespace {
+
+// Acts on the program's own picker of type T once the frame has opened it.
+template <typename T> void whenPicker(std::function<void(T *)> action)
+{
+    auto *timer = new QTimer;
+    timer->setInterval(10);
+    QObject::connect(timer, &QTimer::timeout, [timer, action] {
+        if (auto *picker = qobject_cast<T *>(QApplication::activeModalWidget())) {
+            timer->stop();
+            timer->deleteLater();
+            action(picker);
+        }
+    });
+    timer->start();
+}
+
+} // namespace
 
 class TestPhotoFrameSettings : public QObject
 {
@@ -193,6 +216,63 @@ private slots:
         };
         QTest::mouseClick(button, Qt::LeftButton);
         QCOMPARE(GetSetting(key), QStringLiteral("#112233"));
+    }
+
+    void colourBoxOpensTheProgramsColourPicker()
+    {
+        FrameFixture f;
+        f.frame().useStandardServices();
+        f.frame().TabStrip2()->setCurrentIndex(f.frame().TabStrip2()->count() - 1);
+        auto *button = f.find<QPushButton>(QStringLiteral("PhotoBackgroundColor"));
+        QString opened;
+        whenPicker<frmSelectColor>([&opened](frmSelectColor *d) {
+            opened = d->findChild<QLineEdit *>(QStringLiteral("RGB_0"))->text() + u',' +
+                     d->findChild<QLineEdit *>(QStringLiteral("RGB_1"))->text() + u',' +
+                     d->findChild<QLineEdit *>(QStringLiteral("RGB_2"))->text();
+            d->findChild<QLineEdit *>(QStringLiteral("RGB_1"))->setText(QStringLiteral("10"));
+            QTest::mouseClick(d->findChild<QPushButton *>(QStringLiteral("ColorOKButton")),
+                              Qt::LeftButton);
+        });
+        QTest::mouseClick(button, Qt::LeftButton);
+        QCOMPARE(opened, QStringLiteral("127,127,255"));
+        QCOMPARE(GetSetting(QStringLiteral("PhotoBGColor")), QStringLiteral("#7F0AFF"));
+        QVERIFY(button->styleSheet().contains(QStringLiteral("#7f0aff")));
+
+        whenPicker<frmSelectColor>([](frmSelectColor *d) {
+            d->findChild<QLineEdit *>(QStringLiteral("RGB_1"))->setText(QStringLiteral("99"));
+            QTest::mouseClick(d->findChild<QPushButton *>(QStringLiteral("CancelColorButton")),
+                              Qt::LeftButton);
+        });
+        QTest::mouseClick(button, Qt::LeftButton);
+        QCOMPARE(GetSetting(QStringLiteral("PhotoBGColor")), QStringLiteral("#7F0AFF"));
+    }
+
+    void fontBoxOpensTheProgramsFontPicker()
+    {
+        FrameFixture f;
+        f.frame().useStandardServices();
+        f.frame().TabStrip2()->setCurrentIndex(f.frame().TabStrip2()->count() - 1);
+        QString opened;
+        whenPicker<frmFont>([&opened](frmFont *d) {
+            opened = d->findChild<QLabel *>(QStringLiteral("CurrentFont"))->text();
+            auto *list = d->findChild<QListWidget *>(QStringLiteral("SystemFontList"));
+            list->setCurrentItem(
+                list->findItems(QStringLiteral("Liberation Serif"), Qt::MatchExactly).value(0));
+            QTest::mouseClick(d->findChild<QPushButton *>(QStringLiteral("OKButton")),
+                              Qt::LeftButton);
+        });
+        QTest::mouseClick(f.find<QPushButton>(QStringLiteral("PhotoFont")), Qt::LeftButton);
+        QCOMPARE(opened, QStringLiteral("Arial"));
+        QCOMPARE(GetSetting(QStringLiteral("PhotoFont")), QStringLiteral("Liberation Serif"));
+        QCOMPARE(f.find<QLabel>(QStringLiteral("PhotoFontExample"))->font().family(),
+                 QStringLiteral("Liberation Serif"));
+
+        whenPicker<frmFont>([](frmFont *d) {
+            QTest::mouseClick(d->findChild<QPushButton *>(QStringLiteral("CancelButton")),
+                              Qt::LeftButton);
+        });
+        QTest::mouseClick(f.find<QPushButton>(QStringLiteral("PhotoFont")), Qt::LeftButton);
+        QCOMPARE(GetSetting(QStringLiteral("PhotoFont")), QStringLiteral("Liberation Serif"));
     }
 
     void fontBoxWritesTheFamily()

@@ -74,14 +74,12 @@ private slots:
 
     void init()
     {
-        ClearTemporaryHome();
-        clearFolder(m_server->homePath());
+        m_fx = WebSpaceFixture::fresh(*m_server);
         writeFile(home("/a.txt"), "0123456789");
         writeFile(home("/b c.htm"), "<html></html>");
         QDir().mkpath(home("/sub"));
         writeFile(home("/sub/inner.txt"), "inner");
-        m_fx = std::make_unique<WebSpaceFixture>();
-        m_tab = m_fx->install();
+        m_tab = m_fx->tab();
         m_fx->showFunction(5);
     }
 

@@ -6,6 +6,7 @@
 #include "Settings.h"
 #include "StartupPage.h"
 #include "TestMain.h"
+#include "WebSpaceFixture.h"
 #include "WebSpaceInstall.h"
 #include "cFTP.h"
 #include "frmAction.h"
@@ -23,14 +24,6 @@
 #include <QTimer>
 
 namespace {
-
-void writeFile(const QString &path, const QByteArray &content)
-{
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    if (file.open(QIODevice::WriteOnly))
-        file.write(content);
-}
 
 // A web server for one folder: python3 -m http.server on a free loopback port.
 class WebServer
@@ -67,15 +60,6 @@ private:
     int m_port = 0;
 };
 
-QByteArray fetch(const QString &url)
-{
-    QProcess curl;
-    curl.start(QStringLiteral("curl"),
-               {QStringLiteral("-sf"), QStringLiteral("--max-time"), QStringLiteral("10"), url});
-    curl.waitForFinished(15000);
-    return curl.exitCode() == 0 ? curl.readAllStandardOutput() : QByteArray("<fetch failed>");
-}
-
 } // namespace
 
 // A new user: an empty home, the Configuration page on the first start, a test that finds the
@@ -92,28 +76,19 @@ private:
     // Action. Records what the boxes said.
     void answerBoxes()
     {
+        // Take an Action's Help opens the main window's help at the page of the function on
+        // screen; then the window is closed with the boxes.
         const auto widgets = QApplication::topLevelWidgets();
         for (QWidget *widget : widgets) {
-            if (!widget->isVisible())
+            if (!widget->isVisible() || widget->objectName() != QLatin1String("frmAction"))
                 continue;
-            if (auto *box = qobject_cast<QMessageBox *>(widget)) {
-                m_boxes.append(box->text());
-                QAbstractButton *button = box->button(QMessageBox::No);
-                if (!button)
-                    button = box->button(QMessageBox::Ok);
-                if (button)
-                    button->click();
-            } else if (widget->objectName() == QLatin1String("frmAction")) {
-                // Its Help opens the main window's help at the page of the function on screen.
-                if (auto *help = widget->findChild<QPushButton *>(QStringLiteral("HelpButton")))
-                    help->click();
-                if (auto *main = qobject_cast<frmMain *>(widget->parentWidget());
-                    main && main->helpWindow()->isVisible())
-                    m_actionHelpTopic = main->helpWindow()->currentTopic();
-                if (auto *close = widget->findChild<QPushButton *>(QStringLiteral("CloseButton")))
-                    close->click();
-            }
+            if (auto *help = widget->findChild<QPushButton *>(QStringLiteral("HelpButton")))
+                help->click();
+            if (auto *main = qobject_cast<frmMain *>(widget->parentWidget());
+                main && main->helpWindow()->isVisible())
+                m_actionHelpTopic = main->helpWindow()->currentTopic();
         }
+        m_boxes += AnswerOpenBoxes();
     }
 
 private slots:
@@ -140,13 +115,7 @@ private slots:
         cFTP ftp(state);
         frmMain window(state);
         InstallWebSpace(window, ftp);
-        const struct
-        {
-            FtpControlTab *tab;
-            SendFileFrame *sendFile;
-            StartupPage *page;
-        } parts{window.findChild<FtpControlTab *>(), window.findChild<SendFileFrame *>(),
-                window.findChild<StartupPage *>()};
+        const WebSpaceParts parts(window);
         frmAction::Install(state, &window, [&window] { window.HelpButton_Click(); });
         parts.page->setProgramEnd([] { QFAIL("the Configuration page ended the program"); });
 
@@ -199,7 +168,7 @@ private slots:
 
         const QString pointer = QApplication::clipboard()->text();
         QCOMPARE(pointer, QStringLiteral("http://%1/For_Ann/hello%20world.txt").arg(webSite));
-        QCOMPARE(fetch(pointer), content);
+        QCOMPARE(FetchOverHttp(pointer), content);
         QVERIFY(!ftp.IsConnected());
         // Send a File's help page.
         QCOMPARE(m_actionHelpTopic, 9);

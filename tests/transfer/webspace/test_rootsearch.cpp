@@ -28,10 +28,9 @@ private:
 
     void makeTab(FtpTestServer &server)
     {
-        delete m_tab;
-        m_fx = std::make_unique<WebSpaceFixture>();
-        m_tab = new FtpControlTab(*m_fx->window, *m_fx->ftp, m_fx->ui, *m_fx->progress);
-        m_tab->show();
+        m_fx = WebSpaceFixture::fresh(server, false);
+        m_tab = m_fx->tab();
+        m_fx->showFunction(5);
         m_fx->fillAccount(server);
     }
     void search()
@@ -58,16 +57,14 @@ private slots:
 
     void init()
     {
-        ClearTemporaryHome();
         clearFolder(m_server->homePath());
-        SaveSetting(QStringLiteral("FTPRoot"), QStringLiteral("before"));
         makeTab(*m_server);
+        SaveSetting(QStringLiteral("FTPRoot"), QStringLiteral("before"));
         m_fx->window->FTPRoot()->setText(QStringLiteral("before"));
     }
 
     void cleanup()
     {
-        delete m_tab;
         m_tab = nullptr;
         m_fx.reset();
     }

@@ -83,12 +83,10 @@ private slots:
 
     void init()
     {
-        ClearTemporaryHome();
-        clearFolder(m_server->homePath());
-        m_fx = std::make_unique<WebSpaceFixture>();
+        m_fx = WebSpaceFixture::fresh(*m_server);
         m_fx->window->HighLightSteps()->setChecked(true);
-        m_tab = m_fx->install();
-        m_frame = m_fx->window->findChild<SendFileFrame *>();
+        m_tab = m_fx->tab();
+        m_frame = m_fx->sendFile();
         m_fx->showFunction(2);
         m_fx->fillAccount(*m_server);
         m_loginsBefore = m_server->countCommands(QStringLiteral("USER"));

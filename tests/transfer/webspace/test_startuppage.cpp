@@ -54,23 +54,16 @@ private slots:
 
     void init()
     {
-        ClearTemporaryHome();
-        clearFolder(m_server->homePath());
-        m_fx = std::make_unique<WebSpaceFixture>();
-        m_tab = new FtpControlTab(*m_fx->window, *m_fx->ftp, m_fx->ui, *m_fx->progress);
-        m_page = new StartupPage(*m_fx->window, *m_tab);
+        m_fx = WebSpaceFixture::fresh(*m_server);
+        m_tab = m_fx->tab();
+        m_page = m_fx->page();
         m_programEnds = 0;
         m_page->setProgramEnd([this] { ++m_programEnds; });
         m_page->Load();
         m_page->show();
     }
 
-    void cleanup()
-    {
-        delete m_page;
-        delete m_tab;
-        m_fx.reset();
-    }
+    void cleanup() { m_fx.reset(); }
 
     void faultsEndTheTest_data()
     {
@@ -356,13 +349,7 @@ private slots:
         frmMain window(state);
         cFTP ftp(state);
         InstallWebSpace(window, ftp, &m_fx->ui, m_fx->progress.get());
-        const struct
-        {
-            FtpControlTab *tab;
-            SendFileFrame *sendFile;
-            StartupPage *page;
-        } parts{window.findChild<FtpControlTab *>(), window.findChild<SendFileFrame *>(),
-                window.findChild<StartupPage *>()};
+        const WebSpaceParts parts(window);
         window.txtServer()->setText(m_server->server());
         bool shown = false;
         QTimer::singleShot(100, this, [&] {

@@ -8,6 +8,7 @@
 #include "Settings.h"
 #include "StartupPage.h"
 #include "TestMain.h"
+#include "WebSpaceFixture.h"
 #include "WebSpaceInstall.h"
 #include "cFTP.h"
 #include "frmMain.h"
@@ -78,13 +79,7 @@ int main(int argc, char *argv[])
     cFTP ftp(state);
     frmMain window(state);
     InstallWebSpace(window, ftp);
-    const struct
-    {
-        FtpControlTab *tab;
-        SendFileFrame *sendFile;
-        StartupPage *page;
-    } parts{window.findChild<FtpControlTab *>(), window.findChild<SendFileFrame *>(),
-            window.findChild<StartupPage *>()};
+    const WebSpaceParts parts(window);
     window.Load();
     window.setGeometry(QGuiApplication::primaryScreen()->availableGeometry());
     window.show();

@@ -5,6 +5,7 @@
 #include "PhotoFrameHistory.h"
 #include "PhotoFrameSettings.h"
 #include "PhotoPage.h"
+#include "Pickers.h"
 #include "ReadyToSendPage.h"
 #include "Settings.h"
 #include "SettingsKeys.h"
@@ -13,11 +14,9 @@
 
 #include <QAbstractButton>
 #include <QCheckBox>
-#include <QColorDialog>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QFontDialog>
 #include <QInputDialog>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -148,17 +147,13 @@ void PhotoFrame::useStandardServices()
         };
     }
     if (!m_services.chooseColour) {
-        m_services.chooseColour = [owner](const QString &colour, const QString &title) {
-            const QColor chosen = QColorDialog::getColor(QColor(colour), owner, title);
-            return chosen.isValid() ? chosen.name(QColor::HexRgb).toUpper() : QString();
+        m_services.chooseColour = [owner](const QString &colour, const QString &) {
+            return PickColor(colour, owner).value_or(QString());
         };
     }
     if (!m_services.chooseFont) {
         m_services.chooseFont = [owner](const QString &family) {
-            bool ok = false;
-            const QFont chosen = QFontDialog::getFont(&ok, QFont(family, 12), owner,
-                                                      QStringLiteral("Page Text Font"));
-            return ok ? chosen.family() : QString();
+            return PickFont(family, owner).value_or(QString());
         };
     }
 }

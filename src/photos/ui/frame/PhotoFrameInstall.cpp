@@ -6,6 +6,7 @@
 #include "PhotoPage.h"
 #include "ReadyToSendPage.h"
 #include "frmMain.h"
+#include "frmZoom.h"
 
 #include <QLineEdit>
 #include <QTabWidget>
@@ -79,6 +80,15 @@ PhotoFrame *InstallPhotoFrame(frmMain &window)
     function.loaded = [frame] { frame->readFolders(); };
     function.cleanup = [frame] { frame->DoCleanup(); };
     window.addFunction(std::move(function));
+
+    // Pictures go to the program's picture editor, where it has one: the Paint button opens
+    // the shown picture, and a double click on the zoom window's picture waits for it.
+    if (window.hasPictureEditor()) {
+        frame->services().openPaint = [&window](const QString &path) { window.editPicture(path); };
+        frmZoom::setPaintOpener([&window](const QString &path) { window.editPicture(path, true); });
+    } else if (auto *paint = frame->findChild<QWidget *>(QStringLiteral("Command4"))) {
+        paint->hide();
+    }
 
     window.placeRing(0, frame->findChild<QWidget *>(QStringLiteral("ChangeCopyPathButton")));
     window.placeRing(2, frame->findChild<QWidget *>(QStringLiteral("File2")));

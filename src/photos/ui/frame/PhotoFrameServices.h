@@ -27,6 +27,9 @@ struct PhotoFrameServices
     // Shows a picture large; unset means that the preview does not zoom.
     std::function<void(const QString &path)> zoomPicture;
 
+    // Opens a picture in the paint window ("" for an empty picture); unset: "Paint" does nothing.
+    std::function<void(const QString &path)> openPaint;
+
     // False keeps "Print List" off the system's printers: it always goes to a PDF file.
     bool usePrinter = true;
     // Where "Print List" goes when no printer is installed: a PDF file the user chooses

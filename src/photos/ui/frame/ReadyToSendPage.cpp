@@ -190,11 +190,19 @@ QWidget *ReadyToSendPage::buildCopyColumn()
     zoomHint->setAlignment(Qt::AlignCenter);
     zoomHint->setEnabled(false);
 
+    auto *paint = new QPushButton(QStringLiteral("Paint"), column);
+    paint->setObjectName(QStringLiteral("Command4"));
+    paint->setToolTip(QStringLiteral("Open the picture shown above in the paint window"));
+    connect(paint, &QPushButton::clicked, this, &ReadyToSendPage::Command4_Click);
+    auto *under = new QHBoxLayout;
+    under->addWidget(zoomHint, 1);
+    under->addWidget(paint);
+
     auto *layout = new QVBoxLayout(column);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(copyBox);
     layout->addWidget(m_currentImage, 1);
-    layout->addWidget(zoomHint);
+    layout->addLayout(under);
     return column;
 }
 
@@ -366,6 +374,12 @@ void ReadyToSendPage::clearPreview()
     m_currentImage->clear();
     m_currentImage->setText(QStringLiteral("Click a picture to see it here"));
     m_previewPath.clear();
+}
+
+void ReadyToSendPage::Command4_Click()
+{
+    if (m_services.openPaint)
+        m_services.openPaint(m_previewPath);
 }
 
 bool ReadyToSendPage::eventFilter(QObject *watched, QEvent *event)

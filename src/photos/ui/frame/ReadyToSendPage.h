@@ -55,6 +55,8 @@ public:
     // EditButtons by index (0-7), and index 8: the panel filled for a row of File3.
     void EditButtons_Click(int index);
     void File3_Click(int row);
+    // "Paint": the picture of the preview in the paint window (an empty one when none is shown).
+    void Command4_Click();
     void DeleteFromReady();
     void DeleteFromSource();
     void ClearAll();

@@ -1,9 +1,11 @@
 #include "StartupPage.h"
 
+#include "BusyCursor.h"
 #include "DirectoryName.h"
 #include "Folders.h"
 #include "FtpControlTab.h"
 #include "JobUi.h"
+#include "LocalWebSpace.h"
 #include "Settings.h"
 #include "WaitNotice.h"
 #include "cFTP.h"
@@ -109,9 +111,15 @@ StartupPage::StartupPage(frmMain &window, FtpControlTab &tab, QWidget *parent)
     m_testButton->setAutoDefault(false);
     m_okButton->setAutoDefault(false);
     m_helpButton->setAutoDefault(false);
+    m_tryButton = new QPushButton(tr("Try it on this computer"), this);
+    m_tryButton->setObjectName(QStringLiteral("TryItHereButton"));
+    m_tryButton->setToolTip(tr("No web space at hand? Start one on this computer and see what "
+                               "Tarnwick sends in your browser."));
+    m_tryButton->setAutoDefault(false);
 
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(m_helpButton);
+    buttons->addWidget(m_tryButton);
     buttons->addStretch(1);
     buttons->addWidget(m_testButton);
     buttons->addWidget(m_cancelTestButton);
@@ -137,6 +145,7 @@ StartupPage::StartupPage(frmMain &window, FtpControlTab &tab, QWidget *parent)
             [this](const QString &text) { m_waitLabel->setText(text); });
     connect(&m_tab.waitNotice(), &WaitNotice::hidden, m_waitLabel, &QLabel::clear);
     connect(m_okButton, &QPushButton::clicked, this, &StartupPage::Command1_Click);
+    connect(m_tryButton, &QPushButton::clicked, this, &StartupPage::TryItHereButton_Click);
     connect(m_helpButton, &QPushButton::clicked, this, [this] { m_window.HelpButton_Click(); });
 
     m_programEnd = [] { std::exit(0); };
@@ -228,6 +237,41 @@ void StartupPage::TestConnectButton_Click()
     m_testButton->setEnabled(true);
     m_timer1->start();
     m_testing = false;
+}
+
+void StartupPage::TryItHereButton_Click()
+{
+    if (!m_local)
+        return;
+    m_label4->setText(tr("Starting a web space on this computer..."));
+    m_tryButton->setEnabled(false);
+    BusyCursor busy;
+    busy.set(true);
+    const auto account = StartLocalWebSpace(*m_local);
+    busy.set(false);
+    m_tryButton->setEnabled(true);
+    if (!account) {
+        m_label4->clear();
+        m_tab.jobUi().Message(m_local->lastError(), QStringLiteral("Tarnwick"), JobUi::Buttons::Ok,
+                              JobUi::Icon::Warning);
+        return;
+    }
+    m_values[1]->setText(account->server);
+    m_values[2]->setText(account->webSite);
+    m_values[3]->setText(account->user);
+    m_values[4]->setText(account->password);
+    const QString login = qEnvironmentVariable("USER", QStringLiteral("me"));
+    if (m_values[5]->text().trimmed().isEmpty())
+        m_values[5]->setText(login + QStringLiteral("@localhost"));
+    if (m_values[6]->text().trimmed().isEmpty())
+        m_values[6]->setText(login);
+    m_values[7]->clear();
+    m_label4->setText(
+        tr("A web space on this computer is ready: what you send lands in %1 and shows at "
+           "http://%2. Press OK to begin. Your own web space can be set here later (Options, "
+           "Configuration Settings).")
+            .arg(QDir::toNativeSeparators(account->folder), account->webSite));
+    m_okButton->setFocus();
 }
 
 void StartupPage::Command1_Click()

@@ -6,6 +6,7 @@
 #include <functional>
 
 class FtpControlTab;
+class LocalWebSpace;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -24,6 +25,9 @@ class frmMain;
 // While the test waits on the server, WaitLabel says what it waits for (the connection, then
 // the root search's count) and CancelTestButton beside Test Connection ends the test at once,
 // without a message, leaving the page ready for another try.
+//
+// TryItHereButton, for a user without a web space at hand, starts a web space on this computer
+// (LocalWebSpace) and fills the account fields with it.
 class StartupPage final : public QDialog
 {
     Q_OBJECT
@@ -36,6 +40,10 @@ public:
     void Load();
     void TestConnectButton_Click();
     void Command1_Click();
+    void TryItHereButton_Click();
+
+    // The web space on this computer that TryItHereButton starts (owned elsewhere).
+    void setLocalWebSpace(LocalWebSpace *local) { m_local = local; }
 
     QLineEdit *SettingValue(int index) const;
     QLabel *Label4() const { return m_label4; }
@@ -62,6 +70,8 @@ private:
     bool m_testing = false;
     QPushButton *m_okButton = nullptr;
     QPushButton *m_helpButton = nullptr;
+    QPushButton *m_tryButton = nullptr;
+    LocalWebSpace *m_local = nullptr;
     QLabel *m_label3 = nullptr;
     QLabel *m_label4 = nullptr;
     QTimer *m_timer1 = nullptr;

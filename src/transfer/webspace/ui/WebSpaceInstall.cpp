@@ -1,13 +1,17 @@
 #include "WebSpaceInstall.h"
 
 #include "FtpControlTab.h"
+#include "LocalWebSpace.h"
 #include "SendFileFrame.h"
+#include "Settings.h"
 #include "StartupPage.h"
 #include "WebSpace.h"
 #include "cFTP.h"
 #include "frmMain.h"
 
 #include <QFrame>
+#include <QLineEdit>
+#include <QStatusBar>
 
 namespace {
 
@@ -46,12 +50,34 @@ FunctionInstructions ftpControlInstructions()
              "Refer to the manual for more information on utilizing the Advanced  Settings.")}};
 }
 
+// Starts the web space on this computer again when the account is the one that "Try it on this
+// computer" made; new ports, when the old ones were taken, go into the fields and settings.
+void restartLocalWebSpace(frmMain &window, LocalWebSpace &local)
+{
+    const auto account = RestartLocalWebSpace(
+        local, window.txtServer()->text(), window.txtUser()->text(), window.txtPassword()->text());
+    if (!account)
+        return;
+    if (window.txtServer()->text().trimmed() != account->server) {
+        window.txtServer()->setText(account->server);
+        SaveSetting(QStringLiteral("Server"), account->server);
+    }
+    if (window.txtWebSite()->text().trimmed() != account->webSite) {
+        window.txtWebSite()->setText(account->webSite);
+        SaveSetting(QStringLiteral("WebPage"), account->webSite);
+    }
+    window.statusBar()->showMessage(
+        QObject::tr("The web space on this computer is open at http://%1").arg(account->webSite));
+}
+
 } // namespace
 
 WebSpace &InstallWebSpace(frmMain &window, cFTP &ftp, JobUi *ui, TransferUi *progress)
 {
     auto *webSpace = new WebSpace(window, ftp, ui, progress);
 
+    auto *local = new LocalWebSpace(webSpace);
+    local->setObjectName(QStringLiteral("LocalWebSpace"));
     auto *tab = new FtpControlTab(window, ftp, webSpace->ui(), webSpace->progress());
     webSpace->setBrowser(tab);
     ShellFunction control;
@@ -62,6 +88,7 @@ WebSpace &InstallWebSpace(frmMain &window, cFTP &ftp, JobUi *ui, TransferUi *pro
     control.steps = {{40, {14, 16}, {14}, {16}}, {41, {16}, {}, {16}}};
     control.helpContext = [tab] { return tab->AdvanceSettingFrame()->isVisible() ? 18 : 17; };
     control.defaultHelpContext = 17;
+    control.loaded = [&window, local] { restartLocalWebSpace(window, *local); };
     window.addFunction(std::move(control));
 
     auto *sendFile = new SendFileFrame(window, *tab);
@@ -75,6 +102,7 @@ WebSpace &InstallWebSpace(frmMain &window, cFTP &ftp, JobUi *ui, TransferUi *pro
     window.addFunction(std::move(send));
 
     auto *page = new StartupPage(window, *tab, &window);
+    page->setLocalWebSpace(local);
     window.setSetupPage([page] { page->PromptForSetup(); });
     window.setFtpDirectoryProvider([&ftp] { return ftp.CurrentDirectory(); });
     window.setCloseHook([&ftp] { ftp.CloseConnection(); });

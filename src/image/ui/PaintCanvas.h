@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QWidget>
+
+#include <array>
+
+class PaintDocument;
+class QRubberBand;
+
+// picPaint: draws the document's picture at its zoom factor, with the floating selection
+// (picSelect) over it, and passes the mouse to the document's tool in picture pixels. Its
+// container also holds the three handles (picPaintResize 0 right edge, 1 corner, 2 bottom
+// edge) that resize the picture by dragging.
+class PaintCanvas final : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit PaintCanvas(PaintDocument &document, QWidget *container);
+
+    // Follows the document: size, zoom, selection and handles.
+    void syncToDocument();
+    QPoint toPicture(const QPoint &widgetPoint) const;
+
+signals:
+    void mouseAt(const QPoint &picturePoint);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void placeHandles();
+
+    PaintDocument &m_document;
+    QWidget *m_container;
+    QWidget *m_select = nullptr;
+    std::array<QWidget *, 3> m_handles{};
+    QRubberBand *m_frame = nullptr;
+    int m_dragging = -1;
+    QPoint m_dragStart;
+};
