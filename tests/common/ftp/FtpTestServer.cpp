@@ -109,11 +109,12 @@ bool FtpTestServer::start()
                              QStringLiteral("--times"),
                              QString::number(m_options.times),
                              QStringLiteral("--command-log"),
-                             m_work.filePath(QStringLiteral("commands.log")),
-                             QStringLiteral("--login-log"),
-                             m_work.filePath(QStringLiteral("logins.log")),
-                             QStringLiteral("--login-delay"),
-                             QString::number(m_options.loginDelayMs / 1000.0)};
+                             m_work.filePath(QStringLiteral("commands.log"))};
+    // The login log and delay are the pyftpdlib server's; the hostile one has neither.
+    if (!m_options.hostile)
+        arguments << QStringLiteral("--login-log") << m_work.filePath(QStringLiteral("logins.log"))
+                  << QStringLiteral("--login-delay")
+                  << QString::number(m_options.loginDelayMs / 1000.0);
     for (const QString &fault : m_options.faults)
         arguments << QStringLiteral("--fault") << fault;
 
