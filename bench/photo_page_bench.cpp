@@ -1,6 +1,7 @@
 // Build All for a benchmark: the pictures already in a working folder (named "<group>_<name>")
 // become the photo page "Bench" on an FTP server, through the program's own job. Prints the
-// run's outcome and the page's pointer.
+// run's outcome and the page's pointer, then "upload: seconds=<s>": the upload part of the run,
+// from "Connecting" (before the login) to the end of the job.
 //
 //   tarnwick_photopage_bench [--live [--cancel-in sizing|upload]] WORK SERVER USER PASSWORD [PAGE]
 //
@@ -347,13 +348,24 @@ int main(int argc, char *argv[])
         watch->start();
     }
     QElapsedTimer clock;
+    QElapsedTimer upload;
+    const auto previousStatus = ui.onStatus;
+    ui.onStatus = [&](const QString &text) {
+        if (!upload.isValid() && text == QLatin1String("Connecting"))
+            upload.start();
+        if (previousStatus)
+            previousStatus(text);
+    };
     clock.start();
     const PhotoBuildOutcome outcome = job.cmdBuildAll();
     const double seconds = clock.nsecsElapsed() / 1e9;
+    const double uploadSeconds = upload.isValid() ? upload.nsecsElapsed() / 1e9 : -1;
     const qint64 cancelToReturn =
         watch && watch->sinceCancel.isValid() ? watch->sinceCancel.elapsed() : -1;
     std::printf("%s %s\n", outcome == PhotoBuildOutcome::Sent ? "sent" : "not-sent",
                 qPrintable(ui.pointer));
+    std::printf("upload: seconds=%.3f logins=%d\n", uploadSeconds,
+                ftp.Logins() + ftp.Transfers().Logins());
     if (!live)
         return outcome == PhotoBuildOutcome::Sent ? 0 : 1;
 

@@ -1,12 +1,15 @@
 // Times Tarnwick's own upload path against a running FTP server; bench/transfer.sh drives it.
+// Each mode is one job: it logs in, sends, and disconnects as a job does at its end.
 //
-//   tarnwick_transfer_bench SERVER USER PASSWORD one FILE        one file through UploadFileToFTP
-//   tarnwick_transfer_bench SERVER USER PASSWORD many FOLDER     every file of FOLDER, one after
-//   another tarnwick_transfer_bench SERVER USER PASSWORD live FILE       a large file with dlgFTP
-//   on screen: how
-//                                                       often the window was served, and how
-//                                                       soon Cancel ended the transfer
-// Prints one line "seconds=<s> ..." per run.
+//   tarnwick_transfer_bench SERVER USER PASSWORD one FILE
+//       one file through UploadFileToFTP
+//   tarnwick_transfer_bench SERVER USER PASSWORD many FOLDER
+//       every file of FOLDER, one after another, as a job sends its files
+//   tarnwick_transfer_bench SERVER USER PASSWORD live FILE
+//       a large file with dlgFTP on screen: how often the window was served, and how soon
+//       Cancel ended the transfer
+// Prints one line "seconds=<s> ..." per run (the time inside the process, after the login of
+// the directory session; bench/transfer.sh times the whole process from outside).
 
 #include "DialogTransferUi.h"
 #include "JobState.h"
@@ -92,6 +95,7 @@ int main(int argc, char *argv[])
         state.BackgroundRequested = true;
         clock.start();
         const bool sent = UploadFileToFTP(context, path);
+        ftp.CloseConnection();
         std::printf("seconds=%.3f sent=%d\n", clock.nsecsElapsed() / 1e9, int(sent));
         return sent ? 0 : 1;
     }
@@ -102,6 +106,7 @@ int main(int argc, char *argv[])
         clock.start();
         for (const QString &name : names)
             sent += UploadFileToFTP(context, QDir(path).filePath(name)) ? 1 : 0;
+        ftp.CloseConnection();
         std::printf("seconds=%.3f files=%d sent=%d\n", clock.nsecsElapsed() / 1e9,
                     int(names.size()), sent);
         return sent == names.size() ? 0 : 1;

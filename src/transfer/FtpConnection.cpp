@@ -1,8 +1,16 @@
 #include "FtpConnection.h"
 
+#include "Settings.h"
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTimer>
 #include <QUrl>
+
+#include <cctype>
+#include <condition_variable>
+#include <thread>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -11,11 +19,15 @@
 
 namespace {
 
-// The event loop is served at least this often while a request waits.
-constexpr int EventPeriodMs = 20;
-constexpr int PollMs = 20;
-// After a cancel, how long the library gets to stop by itself before the handle is taken away.
-constexpr int CancelGraceMs = 250;
+// How often a waiting request asks whether it is cancelled.
+constexpr int CancelPollMs = 50;
+// How long a request on a kept connection waits before the user is told of the wait.
+constexpr int QuietWaitMs = 400;
+// How long the library may sleep between two looks at the sockets; a cancel wakes it at once.
+// Short, because libcurl 7.88 does not wait on a data connection that is still being opened
+// (it names no socket to wait on then), so that step moves on only at the next look.
+constexpr int PollMs = 10;
+constexpr int QuitWaitMs = 2000;
 constexpr long TransferBufferBytes = 512 * 1024;
 
 void initLibraryOnce()
@@ -40,7 +52,94 @@ struct SList
     SList &operator=(const SList &) = delete;
 };
 
+int limitFromSettings(const QString &key, int defaultMs)
+{
+    bool ok = false;
+    const double seconds = GetSetting(key).trimmed().toDouble(&ok);
+    if (!ok || seconds <= 0 || seconds > 24 * 3600)
+        return defaultMs;
+    return int(seconds * 1000);
+}
+
+long wholeSeconds(int ms)
+{
+    return std::max(1L, long((ms + 999) / 1000));
+}
+
+// A command of the request's own that moves the session elsewhere.
+bool changesDirectory(const QString &command)
+{
+    QString verb = command.section(QLatin1Char(' '), 0, 0).toUpper();
+    if (verb.startsWith(QLatin1Char('*')))
+        verb.remove(0, 1);
+    return verb == QLatin1String("CWD") || verb == QLatin1String("CDUP") ||
+           verb == QLatin1String("XCWD") || verb == QLatin1String("XCUP");
+}
+
 } // namespace
+
+const QString FtpLimits::ConnectKey = QStringLiteral("ConnectTimeout");
+const QString FtpLimits::ReplyKey = QStringLiteral("ReplyTimeout");
+const QString FtpLimits::StallKey = QStringLiteral("StallTimeout");
+
+FtpLimits FtpLimits::FromSettings()
+{
+    FtpLimits limits;
+    limits.connectMs = limitFromSettings(ConnectKey, limits.connectMs);
+    limits.replyMs = limitFromSettings(ReplyKey, limits.replyMs);
+    limits.stallMs = limitFromSettings(StallKey, limits.stallMs);
+    return limits;
+}
+
+// The connection's own thread: runs one job at a time, in the order given.
+class FtpConnection::Worker
+{
+public:
+    Worker() : m_thread([this] { loop(); }) {}
+    ~Worker()
+    {
+        {
+            std::lock_guard<std::mutex> lock(m_lock);
+            m_stop = true;
+        }
+        m_wake.notify_all();
+        m_thread.join();
+    }
+    Worker(const Worker &) = delete;
+    Worker &operator=(const Worker &) = delete;
+
+    void run(std::function<void()> job)
+    {
+        {
+            std::lock_guard<std::mutex> lock(m_lock);
+            m_job = std::move(job);
+        }
+        m_wake.notify_all();
+    }
+
+private:
+    void loop()
+    {
+        for (;;) {
+            std::function<void()> job;
+            {
+                std::unique_lock<std::mutex> lock(m_lock);
+                m_wake.wait(lock, [this] { return m_stop || m_job; });
+                if (m_job)
+                    job = std::exchange(m_job, nullptr);
+                else
+                    return;
+            }
+            job();
+        }
+    }
+
+    std::mutex m_lock;
+    std::condition_variable m_wake;
+    std::function<void()> m_job;
+    bool m_stop = false;
+    std::thread m_thread;
+};
 
 FtpAddress FtpAddress::fromServerField(const QString &server)
 {
@@ -93,16 +192,40 @@ QByteArray FtpAddress::baseUrl() const
     return "ftp://" + hostPart + ':' + QByteArray::number(port) + '/';
 }
 
+QString FtpAddress::shown() const
+{
+    const QString hostPart =
+        host.contains(QLatin1Char(':')) ? QLatin1Char('[') + host + QLatin1Char(']') : host;
+    return hostPart + QLatin1Char(':') + QString::number(port);
+}
+
 FtpConnection::FtpConnection(const FtpAddress &address, const QString &user,
-                             const QString &password)
-    : m_address(address), m_user(user.toUtf8()), m_password(password.toUtf8())
+                             const QString &password, const FtpLimits &limits)
+    : m_address(address), m_user(user.toUtf8()), m_password(password.toUtf8()), m_limits(limits)
 {
     initLibraryOnce();
+    m_easy = curl_easy_init();
+    m_multi = curl_multi_init();
 }
 
 FtpConnection::~FtpConnection()
 {
-    close(false);
+    // No goodbye here: the sockets are shut, so the library's own farewell cannot wait.
+    shutDownSockets();
+    if (m_worker) {
+        m_worker->run([this] {
+            if (m_multi)
+                curl_multi_cleanup(m_multi);
+            if (m_easy)
+                curl_easy_cleanup(m_easy);
+        });
+        m_worker.reset();
+    } else {
+        if (m_multi)
+            curl_multi_cleanup(m_multi);
+        if (m_easy)
+            curl_easy_cleanup(m_easy);
+    }
 }
 
 QByteArray FtpConnection::encodeName(const QString &name)
@@ -110,12 +233,10 @@ QByteArray FtpConnection::encodeName(const QString &name)
     return QUrl::toPercentEncoding(name);
 }
 
-void FtpConnection::ensureHandles()
+void FtpConnection::setServerDirectory(const QString &directory)
 {
-    if (!m_easy)
-        m_easy = curl_easy_init();
-    if (!m_multi)
-        m_multi = curl_multi_init();
+    if (m_alive && !m_busy)
+        m_serverDirectory = directory;
 }
 
 FtpConnection::Result FtpConnection::perform(const Request &request)
@@ -129,22 +250,98 @@ FtpConnection::Result FtpConnection::perform(const Request &request)
         result.code = CURLE_URL_MALFORMAT;
         return result;
     }
-    ensureHandles();
     if (!m_easy || !m_multi) {
         result.code = CURLE_OUT_OF_MEMORY;
         return result;
     }
     m_busy = true;
+    Outcome outcome = Outcome::Done;
+    result = performOnce(request, &outcome);
+    if (outcome == Outcome::StaleConnection)
+        result = performOnce(request, &outcome);
+    m_busy = false;
+    return result;
+}
+
+FtpConnection::Result FtpConnection::performOnce(const Request &request, Outcome *outcome)
+{
+    *outcome = Outcome::Done;
     m_request = &request;
     m_replies.clear();
-    m_openedSession = !m_alive;
     m_reader.reset();
     m_passwordAsked = false;
+    m_openedSession = !m_alive;
+    m_unexpectedSession = false;
+    m_readStarted = false;
+    m_controlSocketSeen = false;
     m_abort = false;
+    m_down = 0;
+    m_up = 0;
+    const bool kept = m_alive;
 
-    const SList quote(request.quote);
+    QStringList commands;
+    const bool moves = !request.directory.isEmpty() && !(kept && m_serverDirectory == request.directory);
+    if (moves)
+        commands.append(QStringLiteral("CWD ") + request.directory);
+    commands.append(request.quote);
+    // Without a CWD of its own the request relies on the kept connection: should the library
+    // have to log in anew, the session would work in the login directory.
+    m_expectKept = kept && !request.directory.isEmpty() && !moves;
+    const SList quote(commands);
     const QByteArray url = m_address.baseUrl() + encodeName(request.fileName);
 
+    Result result;
+    runOnWorker(
+        [&] {
+            setUp(request, url, quote.list);
+            result.code = drive();
+        },
+        request.maxWaitMs);
+    if (const auto cut = m_reader.pending())
+        m_replies.append(*cut);
+    deliverProgress();
+    m_request = nullptr;
+
+    // However the library ended a request that was stopped (a socket shut under it), it was
+    // the cancel that ended it.
+    result.cancelled = m_abort;
+    if (m_abort)
+        result.code = CURLE_ABORTED_BY_CALLBACK;
+    for (const FtpReply &reply : std::as_const(m_replies)) {
+        if (reply.code == 230)
+            ++m_logins;
+    }
+    const bool closedByServer = std::any_of(m_replies.cbegin(), m_replies.cend(),
+                                            [](const FtpReply &reply) { return reply.code == 421; });
+    // Nothing of the request was carried out when a kept connection answered its first command
+    // with 421 (which the library reports as a time-out), or failed before any answer at all
+    // other than by a time-out (a server that stopped answering may simply be slow).
+    const bool nothingDone =
+        !m_readStarted && m_down == 0 && m_up == 0 &&
+        (m_replies.isEmpty() ? !result.ok() && result.code != CURLE_OPERATION_TIMEDOUT
+                             : m_replies.first().code == 421);
+    if (kept && !result.cancelled && (m_unexpectedSession || nothingDone))
+        *outcome = Outcome::StaleConnection;
+
+    // A request that failed may have left its connection in any state (a server that stopped
+    // answering, a reply still owed): it is shut down, so that neither a later request nor the
+    // closing QUIT waits on it, and the next request makes a new one.
+    m_alive = result.ok() && !closedByServer;
+    if (!m_alive) {
+        shutDownSockets();
+        m_serverDirectory.clear();
+    } else if (std::any_of(request.quote.cbegin(), request.quote.cend(), changesDirectory)) {
+        m_serverDirectory.clear();
+    } else if (!request.directory.isEmpty()) {
+        m_serverDirectory = request.directory;
+    } else if (m_openedSession) {
+        m_serverDirectory.clear();
+    }
+    return result;
+}
+
+void FtpConnection::setUp(const Request &request, const QByteArray &url, curl_slist *quote)
+{
     CURL *e = m_easy;
     curl_easy_reset(e);
     curl_easy_setopt(e, CURLOPT_URL, url.constData());
@@ -157,7 +354,11 @@ FtpConnection::Result FtpConnection::perform(const Request &request)
     curl_easy_setopt(e, CURLOPT_FTP_USE_EPSV, 1L);
     curl_easy_setopt(e, CURLOPT_TCP_KEEPALIVE, 1L);
     curl_easy_setopt(e, CURLOPT_TRANSFERTEXT, request.ascii ? 1L : 0L);
-    curl_easy_setopt(e, CURLOPT_QUOTE, quote.list);
+    curl_easy_setopt(e, CURLOPT_QUOTE, quote);
+    curl_easy_setopt(e, CURLOPT_CONNECTTIMEOUT_MS, long(m_limits.connectMs));
+    curl_easy_setopt(e, CURLOPT_SERVER_RESPONSE_TIMEOUT, wholeSeconds(m_limits.replyMs));
+    curl_easy_setopt(e, CURLOPT_LOW_SPEED_LIMIT, 1L);
+    curl_easy_setopt(e, CURLOPT_LOW_SPEED_TIME, wholeSeconds(m_limits.stallMs));
     curl_easy_setopt(e, CURLOPT_HEADERFUNCTION, &FtpConnection::headerCallback);
     curl_easy_setopt(e, CURLOPT_HEADERDATA, this);
     curl_easy_setopt(e, CURLOPT_NOPROGRESS, 0L);
@@ -169,7 +370,9 @@ FtpConnection::Result FtpConnection::perform(const Request &request)
     curl_easy_setopt(e, CURLOPT_CLOSESOCKETDATA, this);
     curl_easy_setopt(e, CURLOPT_BUFFERSIZE, TransferBufferBytes);
     curl_easy_setopt(e, CURLOPT_UPLOAD_BUFFERSIZE, TransferBufferBytes);
-    if (onLibraryText) {
+    if (qEnvironmentVariableIsSet("TARNWICK_CURL_VERBOSE"))
+        curl_easy_setopt(e, CURLOPT_VERBOSE, 1L);
+    else if (onLibraryText) {
         curl_easy_setopt(e, CURLOPT_VERBOSE, 1L);
         curl_easy_setopt(e, CURLOPT_DEBUGFUNCTION, &FtpConnection::debugCallback);
         curl_easy_setopt(e, CURLOPT_DEBUGDATA, this);
@@ -192,94 +395,161 @@ FtpConnection::Result FtpConnection::perform(const Request &request)
                              static_cast<curl_off_t>(request.uploadSize));
         break;
     }
+}
 
-    curl_multi_add_handle(m_multi, e);
-    m_sinceEvents.start();
-    m_sinceStart.start();
-    QElapsedTimer sinceCancel;
-    bool finished = false;
-    while (!finished) {
+CURLcode FtpConnection::drive()
+{
+    CURLcode code = CURLE_OK;
+    curl_multi_add_handle(m_multi, m_easy);
+    for (;;) {
         int running = 0;
         if (curl_multi_perform(m_multi, &running) != CURLM_OK) {
-            result.code = CURLE_FAILED_INIT;
+            code = CURLE_FAILED_INIT;
             break;
         }
+        bool finished = false;
         int left = 0;
         while (CURLMsg *msg = curl_multi_info_read(m_multi, &left)) {
-            if (msg->msg == CURLMSG_DONE && msg->easy_handle == e) {
-                result.code = msg->data.result;
+            if (msg->msg == CURLMSG_DONE && msg->easy_handle == m_easy) {
+                code = msg->data.result;
                 finished = true;
             }
         }
         if (finished || running == 0)
             break;
-        curl_multi_poll(m_multi, nullptr, 0, PollMs, nullptr);
-        serveEvents();
-        if (checkCancel() && !sinceCancel.isValid())
-            sinceCancel.start();
-        if (m_abort && sinceCancel.elapsed() > CancelGraceMs) {
-            // The library did not come back to the progress callback (a stalled connect or
-            // a reply that never comes): taking the handle away closes its connection.
-            result.code = CURLE_ABORTED_BY_CALLBACK;
+        if (m_abort) {
+            code = CURLE_ABORTED_BY_CALLBACK;
             break;
         }
+        curl_multi_poll(m_multi, nullptr, 0, PollMs, nullptr);
     }
-    curl_multi_remove_handle(m_multi, e);
-    if (const auto cut = m_reader.pending())
-        m_replies.append(*cut);
-    result.cancelled = m_abort;
-    if (m_abort && result.code == CURLE_OK)
-        result.code = CURLE_ABORTED_BY_CALLBACK;
-    // A request that failed may have left its connection in any state (a server that stopped
-    // answering, a reply still owed): it is shut down, so that neither a later request nor the
-    // closing QUIT waits on it, and the next request makes a new one.
-    m_alive = result.ok();
-    if (!m_alive)
+    // The library's farewell to a failed request (the rest of a reply, an abort) must not wait
+    // on a server that has stopped answering.
+    if (m_abort || code != CURLE_OK)
         shutDownSockets();
-    m_request = nullptr;
-    m_busy = false;
-    return result;
+    curl_multi_remove_handle(m_multi, m_easy);
+    return code;
 }
 
-void FtpConnection::close(bool serveEvents)
+void FtpConnection::runOnWorker(const std::function<void()> &job, int maxWaitMs)
+{
+    if (!QCoreApplication::instance()) {
+        // No event loop to serve: the request runs here.
+        job();
+        return;
+    }
+    if (!m_worker)
+        m_worker = std::make_unique<Worker>();
+    bool finished = false;
+    QEventLoop loop;
+    m_worker->run([this, &job, &finished, &loop] {
+        job();
+        post([&finished, &loop] {
+            finished = true;
+            loop.quit();
+        });
+    });
+
+    // Connecting is told at once; any other wait once it has lasted a moment.
+    bool told = false;
+    const auto tell = [this, &told](const QString &text) {
+        if (told || !onWaitStarted)
+            return;
+        told = true;
+        onWaitStarted(text);
+    };
+    if (m_openedSession)
+        tell(QStringLiteral("Connecting to ") + m_address.shown() + QStringLiteral("..."));
+    QElapsedTimer clock;
+    clock.start();
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, &m_relay, [&] {
+        if (!m_abort && ((cancelRequested && cancelRequested()) ||
+                         (maxWaitMs > 0 && clock.elapsed() > maxWaitMs)))
+            requestAbort();
+        if (!told && clock.elapsed() >= QuietWaitMs)
+            tell(QStringLiteral("Waiting for ") + m_address.shown() + QStringLiteral("..."));
+    });
+    watch.start(CancelPollMs);
+    while (!finished) {
+        // A loop told to quit by the program's end returns at once: wait for events instead.
+        if (loop.exec() != 0 && !finished)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    watch.stop();
+    if (told && onWaitEnded)
+        onWaitEnded();
+}
+
+void FtpConnection::cancel()
+{
+    if (m_busy && m_request)
+        requestAbort();
+}
+
+void FtpConnection::requestAbort()
+{
+    m_abort = true;
+    curl_multi_wakeup(m_multi);
+    shutDownSockets();
+}
+
+void FtpConnection::post(std::function<void()> fn)
+{
+    QMetaObject::invokeMethod(&m_relay, std::move(fn), Qt::QueuedConnection);
+}
+
+void FtpConnection::deliverProgress()
+{
+    m_progressPending = false;
+    if (m_request && m_request->progress)
+        m_request->progress(m_down, m_up);
+}
+
+void FtpConnection::close()
 {
     if (m_busy)
         return;
-    if (m_alive && m_multi && m_easy) {
+    if (m_alive) {
         Request quit;
         quit.quote = {QStringLiteral("QUIT")};
-        quit.maxWaitMs = 2000;
-        quit.serveEvents = serveEvents;
+        quit.maxWaitMs = QuitWaitMs;
         const auto keep = cancelRequested;
         cancelRequested = nullptr;
-        perform(quit);
+        m_busy = true;
+        Outcome outcome;
+        performOnce(quit, &outcome);
+        m_busy = false;
         cancelRequested = keep;
-        m_alive = false;
     }
-    if (!m_alive)
-        shutDownSockets();
-    if (m_multi)
-        curl_multi_cleanup(m_multi);
-    m_multi = nullptr;
-    if (m_easy)
-        curl_easy_cleanup(m_easy);
-    m_easy = nullptr;
+    m_alive = false;
+    m_serverDirectory.clear();
+    shutDownSockets();
 }
 
-void FtpConnection::addReplyLine(const QByteArray &line)
+bool FtpConnection::addReplyLine(const QByteArray &line)
 {
     auto reply = m_reader.addLine(line);
     if (!reply)
-        return;
+        return true;
     if (reply->code == 331)
         m_passwordAsked = true;
+    const bool greeting = m_replies.isEmpty() && reply->code == 220;
     m_replies.append(std::move(*reply));
+    if (greeting && m_expectKept) {
+        // The library had to log in anew, where this request would work in the wrong
+        // directory: it stops here, before any command, and goes again with its CWD.
+        m_unexpectedSession = true;
+        return false;
+    }
+    return true;
 }
 
 size_t FtpConnection::headerCallback(char *data, size_t size, size_t count, void *self)
 {
     auto *connection = static_cast<FtpConnection *>(self);
-    connection->addReplyLine(QByteArray(data, static_cast<qsizetype>(size * count)));
+    if (!connection->addReplyLine(QByteArray(data, static_cast<qsizetype>(size * count))))
+        return 0;
     return size * count;
 }
 
@@ -290,6 +560,7 @@ size_t FtpConnection::readCallback(char *data, size_t size, size_t count, void *
         return 0;
     if (connection->m_abort)
         return CURL_READFUNC_ABORT;
+    connection->m_readStarted = true;
     return connection->m_request->read(data, size * count);
 }
 
@@ -301,43 +572,32 @@ size_t FtpConnection::writeCallback(char *data, size_t size, size_t count, void 
     return connection->m_request->write(data, size * count) ? size * count : 0;
 }
 
-bool FtpConnection::checkCancel()
-{
-    if (!m_abort && m_request &&
-        ((cancelRequested && cancelRequested()) ||
-         (m_request->maxWaitMs > 0 && m_sinceStart.elapsed() > m_request->maxWaitMs)))
-        m_abort = true;
-    return m_abort;
-}
-
-void FtpConnection::serveEvents()
-{
-    if (m_request && m_request->serveEvents && m_sinceEvents.elapsed() >= EventPeriodMs &&
-        QCoreApplication::instance()) {
-        QCoreApplication::processEvents();
-        m_sinceEvents.restart();
-    }
-}
-
 int FtpConnection::progressCallback(void *self, curl_off_t, curl_off_t dlnow, curl_off_t,
                                     curl_off_t ulnow)
 {
     auto *connection = static_cast<FtpConnection *>(self);
-    if (connection->checkCancel())
+    if (connection->m_abort)
         return 1;
-    if (connection->m_request && connection->m_request->progress)
-        connection->m_request->progress(dlnow, ulnow);
-    // The library also calls here while it blocks for a reply (about once a second), so the
-    // window is served from here too.
-    connection->serveEvents();
-    return connection->checkCancel() ? 1 : 0;
+    if (dlnow != connection->m_down || ulnow != connection->m_up) {
+        connection->m_down = dlnow;
+        connection->m_up = ulnow;
+        if (!connection->m_progressPending.exchange(true))
+            connection->post([connection] { connection->deliverProgress(); });
+    }
+    return 0;
 }
 
 int FtpConnection::debugCallback(CURL *, curl_infotype type, char *data, size_t size, void *self)
 {
     auto *connection = static_cast<FtpConnection *>(self);
-    if (type == CURLINFO_TEXT && connection->onLibraryText)
-        connection->onLibraryText(QString::fromUtf8(data, static_cast<qsizetype>(size)).trimmed());
+    if (type != CURLINFO_TEXT)
+        return 0;
+    const QString text = QString::fromUtf8(data, static_cast<qsizetype>(size)).trimmed();
+    if (text.startsWith(QLatin1String("Connected to ")))
+        connection->post([connection, text] {
+            if (connection->onLibraryText)
+                connection->onLibraryText(text);
+        });
     return 0;
 }
 
@@ -345,36 +605,47 @@ curl_socket_t FtpConnection::openSocketCallback(void *self, curlsocktype purpose
                                                 struct curl_sockaddr *address)
 {
     auto *connection = static_cast<FtpConnection *>(self);
-    if (purpose == CURLSOCKTYPE_IPCXN && connection->onOpenSocket) {
-        char text[INET6_ADDRSTRLEN] = {};
-        int port = 0;
-        if (address->family == AF_INET) {
-            const auto *in = reinterpret_cast<const sockaddr_in *>(&address->addr);
-            inet_ntop(AF_INET, &in->sin_addr, text, sizeof text);
-            port = ntohs(in->sin_port);
-        } else if (address->family == AF_INET6) {
-            const auto *in6 = reinterpret_cast<const sockaddr_in6 *>(&address->addr);
-            inet_ntop(AF_INET6, &in6->sin6_addr, text, sizeof text);
-            port = ntohs(in6->sin6_port);
-        }
-        connection->onOpenSocket(QString::fromLatin1(text) + QLatin1Char(':') +
-                                 QString::number(port));
+    char text[INET6_ADDRSTRLEN] = {};
+    int port = 0;
+    if (address->family == AF_INET) {
+        const auto *in = reinterpret_cast<const sockaddr_in *>(&address->addr);
+        inet_ntop(AF_INET, &in->sin_addr, text, sizeof text);
+        port = ntohs(in->sin_port);
+    } else if (address->family == AF_INET6) {
+        const auto *in6 = reinterpret_cast<const sockaddr_in6 *>(&address->addr);
+        inet_ntop(AF_INET6, &in6->sin6_addr, text, sizeof text);
+        port = ntohs(in6->sin6_port);
+    }
+    // The control connection goes to the server's own port; data connections never do.
+    if (purpose == CURLSOCKTYPE_IPCXN && port == connection->m_address.port &&
+        !connection->m_controlSocketSeen) {
+        connection->m_controlSocketSeen = true;
+        const QString shown = QString::fromLatin1(text) + QLatin1Char(':') + QString::number(port);
+        connection->post([connection, shown] {
+            if (connection->onOpenSocket)
+                connection->onOpenSocket(shown);
+        });
     }
     const curl_socket_t fd =
         socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
-    if (fd != CURL_SOCKET_BAD)
+    if (fd != CURL_SOCKET_BAD) {
+        std::lock_guard<std::mutex> lock(connection->m_socketsLock);
         connection->m_sockets.insert(fd);
+    }
     return fd;
 }
 
 int FtpConnection::closeSocketCallback(void *self, curl_socket_t socket)
 {
-    static_cast<FtpConnection *>(self)->m_sockets.remove(socket);
+    auto *connection = static_cast<FtpConnection *>(self);
+    std::lock_guard<std::mutex> lock(connection->m_socketsLock);
+    connection->m_sockets.erase(socket);
     return ::close(socket);
 }
 
 void FtpConnection::shutDownSockets()
 {
-    for (const curl_socket_t fd : std::as_const(m_sockets))
+    std::lock_guard<std::mutex> lock(m_socketsLock);
+    for (const curl_socket_t fd : m_sockets)
         ::shutdown(fd, SHUT_RDWR);
 }

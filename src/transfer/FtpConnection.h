@@ -1,9 +1,8 @@
 #pragma once
 
 #include <QByteArray>
-#include <QElapsedTimer>
 #include <QList>
-#include <QSet>
+#include <QObject>
 #include <QString>
 #include <QStringList>
 
@@ -11,7 +10,11 @@
 
 #include <curl/curl.h>
 
+#include <atomic>
 #include <functional>
+#include <memory>
+#include <mutex>
+#include <set>
 
 // Where an FTP server is reached: "host" or "host:port" as the user typed it (a leading
 // "ftp://" and a trailing path are tolerated), port 21 when none is given.
@@ -24,32 +27,58 @@ struct FtpAddress
     static FtpAddress fromServerField(const QString &server);
     // "ftp://host:port/" with an IPv6 address in brackets.
     QByteArray baseUrl() const;
+    // "host:port", as the status line names the server.
+    QString shown() const;
 };
 
-// One libcurl connection to one FTP server and account. The easy handle is driven through a
-// private multi handle whose connection cache keeps the control connection open between
-// calls, so every request after the first reuses the same login.
+// How long a connection waits for the server before it gives up with a time-out. Kept in the
+// settings in whole seconds ("ConnectTimeout", "ReplyTimeout", "StallTimeout"); a missing or
+// unusable value takes the default.
+struct FtpLimits
+{
+    // Reaching the server, its greeting and the login.
+    int connectMs = 20000;
+    // Any one reply of the server.
+    int replyMs = 30000;
+    // A data transfer that moves no byte for this long has stalled.
+    int stallMs = 30000;
+
+    static const QString ConnectKey;
+    static const QString ReplyKey;
+    static const QString StallKey;
+    static FtpLimits FromSettings();
+};
+
+// One libcurl connection to one FTP server and account, kept from request to request: the
+// control connection stays logged in (and where it last changed directory) until it fails,
+// the server closes it, or close() is called.
 //
-// Every request runs to its end on the calling thread while the Qt event loop is served at
-// least every 25 ms (QCoreApplication::processEvents), so windows repaint and buttons answer.
-// While a request waits, cancelRequested() is asked; once it returns true the request is
-// stopped through the progress callback and, should the library not come back to it, by
-// taking the handle off the multi handle: a cancel ends the wait within a fraction of a
-// second even when the server has stopped answering. No overall time-out is set.
+// The library runs on a thread of the connection's own; perform() hands a request to it and
+// waits in a local event loop, so the calling thread never waits on the network and its
+// windows stay served. (Driving libcurl's multi interface from the event loop would not do
+// that: libcurl 7.88 still waits for an upload's closing reply, for the answers to commands
+// sent after a transfer and for QUIT inside curl_multi_perform, blocking, up to its response
+// limit.) While a request waits, cancelRequested() is asked every 50 ms and
+// cancel() may be called from any event: either stops the request within a fraction of a
+// second, its sockets shut down. Every wait is bounded by the connection's FtpLimits; a limit
+// reached fails the request with CURLE_OPERATION_TIMEDOUT.
 //
-// All file and directory names are relative to the directory that the request's own first
-// command (a "CWD <absolute path>" in the quote list) moves to: the library is told never to
-// change directory itself (CURLFTPMETHOD_NOCWD with relative names).
+// perform(), close() and the destructor must be called on the thread that made the
+// connection; the callbacks below run there too, except Request::read and Request::write.
 class FtpConnection final
 {
 public:
     struct Request
     {
-        // Commands sent after login, in order. A leading "*" lets a command fail without
+        // The absolute directory the request works in; the connection moves there first (a
+        // CWD that must succeed) unless its control connection stands there already. Empty:
+        // wherever the session stands (the login directory for a new one).
+        QString directory;
+        // Commands sent after that, in order. A leading "*" lets a command fail without
         // failing the request; replies() tells how each one went.
         QStringList quote;
         // Empty: a command-only request (no data connection). Otherwise the name of the file
-        // to store or fetch, relative to the directory the quote list moved to.
+        // to store or fetch, relative to the directory.
         QString fileName;
         enum class Kind
         {
@@ -59,18 +88,17 @@ public:
             Retrieve
         } kind = Kind::Commands;
         bool ascii = false;
-        // Store: called to fill buf (at most size bytes); returns the count, 0 at the end,
-        // CURL_READFUNC_ABORT to fail.
+        // Store: called on the connection's thread to fill buf (at most size bytes); returns
+        // the count, 0 at the end, CURL_READFUNC_ABORT to fail. Touches nothing but its file.
         std::function<size_t(char *buf, size_t size)> read;
-        // Retrieve and List: called with each piece of data; false fails the request.
+        // Retrieve and List: called on the connection's thread with each piece of data; false
+        // fails the request. Touches nothing but its file or buffer.
         std::function<bool(const char *data, size_t size)> write;
-        // Bytes moved so far (down, up) whenever the library reports progress.
+        // Bytes moved so far (down, up), on the calling thread, as the library reports them.
         std::function<void(qint64 down, qint64 up)> progress;
         qint64 uploadSize = -1;
-        // A limit on the wait (0: none); reaching it ends the request as a cancel does.
+        // A limit on the whole wait (0: none); reaching it ends the request as a cancel does.
         int maxWaitMs = 0;
-        // False: the event loop is not served during this request (used while tearing down).
-        bool serveEvents = true;
     };
 
     struct Result
@@ -80,37 +108,83 @@ public:
         bool ok() const { return code == CURLE_OK && !cancelled; }
     };
 
-    FtpConnection(const FtpAddress &address, const QString &user, const QString &password);
+    FtpConnection(const FtpAddress &address, const QString &user, const QString &password,
+                  const FtpLimits &limits = FtpLimits::FromSettings());
     ~FtpConnection();
     FtpConnection(const FtpConnection &) = delete;
     FtpConnection &operator=(const FtpConnection &) = delete;
 
+    // Runs the request to its end. A kept connection that the server closed meanwhile (a 421,
+    // or no answer at all to the first command) is replaced by a new one, once, within the
+    // request: that is no failure of the request.
     Result perform(const Request &request);
 
-    // Replies of the last request, oldest first, including those of a login.
+    // Replies of the last request, oldest first, including those of a login. Read them only
+    // when no request is under way (busy() is false).
     const QList<FtpReply> &replies() const { return m_replies; }
-    FtpReply lastReply() const { return m_replies.isEmpty() ? FtpReply() : m_replies.last(); }
+    FtpReply lastReply() const
+    {
+        return m_busy || m_replies.isEmpty() ? FtpReply() : m_replies.last();
+    }
     // True when the last request saw the server ask for a password (331).
     bool passwordAsked() const { return m_passwordAsked; }
     // The last request had to open the control connection (and log in) first.
     bool openedSession() const { return m_openedSession; }
+    // A logged-in control connection is kept for the next request.
+    bool isOpen() const { return m_alive; }
+    // Logins made by this connection so far.
+    int logins() const { return m_logins; }
+    const FtpAddress &address() const { return m_address; }
+    // Where the kept control connection stands, as far as known ("" when not known).
+    QString serverDirectory() const { return m_alive ? m_serverDirectory : QString(); }
+    // Tells the connection where its control connection stands now (a PWD confirmed it), so
+    // that the next request in that directory needs no CWD.
+    void setServerDirectory(const QString &directory);
 
-    // Asked while a request waits; true stops it.
+    // Asked every 50 ms while a request waits; true stops it.
     std::function<bool()> cancelRequested;
-    // The library's moments, for status texts: a socket is about to be opened to address
-    // (text "ip:port"); a line of the library's own commentary ("Connected to ...").
+    // Stops the request in flight, if any; for an event served while perform() waits.
+    void cancel();
+    // The library's moments, for status texts: the control connection's socket is about to be
+    // opened to address (text "ip:port"); a line of the library's own commentary
+    // ("Connected to ...").
     std::function<void(const QString &address)> onOpenSocket;
     std::function<void(const QString &text)> onLibraryText;
+    // A wait the user should hear of: a request that makes a new connection says so at once
+    // ("Connecting to host:port..."), any other once it has waited a moment ("Waiting for
+    // host:port..."); onWaitEnded follows when that request is over.
+    std::function<void(const QString &text)> onWaitStarted;
+    std::function<void()> onWaitEnded;
 
     bool busy() const { return m_busy; }
 
     // Closes the control connection: QUIT when the last request left it alive, waiting for the
-    // answer two seconds at most.
-    void close(bool serveEvents = true);
+    // answer two seconds at most (the event loop served meanwhile).
+    void close();
 
     static QByteArray encodeName(const QString &name);
 
 private:
+    class Worker;
+    enum class Outcome
+    {
+        Done,
+        // A kept connection turned out to be gone before the request got an answer.
+        StaleConnection,
+    };
+
+    Result performOnce(const Request &request, Outcome *outcome);
+    // On the connection's thread: the easy handle set up for one request, and the request
+    // driven to its end.
+    void setUp(const Request &request, const QByteArray &url, curl_slist *quote);
+    CURLcode drive();
+    // Waits in a local event loop until the worker has finished job, asking for a cancel.
+    void runOnWorker(const std::function<void()> &job, int maxWaitMs);
+    void requestAbort();
+    // Runs fn on the calling thread (queued from the connection's thread).
+    void post(std::function<void()> fn);
+    void deliverProgress();
+
     static size_t headerCallback(char *data, size_t size, size_t count, void *self);
     static size_t readCallback(char *data, size_t size, size_t count, void *self);
     static size_t writeCallback(char *data, size_t size, size_t count, void *self);
@@ -120,31 +194,41 @@ private:
     static curl_socket_t openSocketCallback(void *self, curlsocktype purpose,
                                             struct curl_sockaddr *address);
     static int closeSocketCallback(void *self, curl_socket_t socket);
-    // Shuts the open sockets down, so that nothing waits on them any more.
+    // Shuts the open sockets down, so that nothing waits on them any more. Any thread.
     void shutDownSockets();
-    void addReplyLine(const QByteArray &line);
-    void ensureHandles();
+    // On the connection's thread; false stops the request (a session that should not be new).
+    bool addReplyLine(const QByteArray &line);
 
     FtpAddress m_address;
     QByteArray m_user;
     QByteArray m_password;
+    FtpLimits m_limits;
     CURL *m_easy = nullptr;
     CURLM *m_multi = nullptr;
+    std::unique_ptr<Worker> m_worker;
+    QObject m_relay; // lives on the calling thread: what the worker posts to
 
     const Request *m_request = nullptr;
     QList<FtpReply> m_replies;
     FtpReplyReader m_reader;
     bool m_passwordAsked = false;
     bool m_openedSession = false;
-    bool m_abort = false;
+    // The request was sent over a kept connection without a CWD of its own.
+    bool m_expectKept = false;
+    bool m_unexpectedSession = false;
+    bool m_readStarted = false;
     bool m_busy = false;
     bool m_alive = false;
-    // Serving the event loop and watching for a cancel, from the request loop and from the
-    // progress callback (which the library also calls while it blocks for a reply).
-    bool checkCancel();
-    void serveEvents();
-    QElapsedTimer m_sinceEvents;
-    QElapsedTimer m_sinceStart;
+    int m_logins = 0;
+    // Where the kept control connection stands ("" when unknown).
+    QString m_serverDirectory;
+    std::atomic<bool> m_abort{false};
+    std::atomic<qint64> m_down{0};
+    std::atomic<qint64> m_up{0};
+    std::atomic<bool> m_progressPending{false};
     // The sockets the library opened through us and has not closed yet.
-    QSet<curl_socket_t> m_sockets;
+    std::mutex m_socketsLock;
+    std::set<curl_socket_t> m_sockets;
+    // The first socket a request that opens a session makes is its control connection.
+    bool m_controlSocketSeen = false;
 };

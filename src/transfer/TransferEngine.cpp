@@ -4,6 +4,7 @@
 #include "FtpErrors.h"
 #include "FtpListing.h"
 #include "JobState.h"
+#include "TransferSession.h"
 #include "TransferUi.h"
 #include "cFTP.h"
 
@@ -44,7 +45,24 @@ QString cutAtNull(const QString &text)
 
 } // namespace
 
-TransferEngine::TransferEngine(TransferUi &ui, JobState &state) : m_ui(ui), m_state(state) {}
+TransferEngine::TransferEngine(TransferUi &ui, JobState &state, TransferSession &session)
+    : m_ui(ui), m_state(state), m_session(session)
+{
+}
+
+TransferEngine::TransferEngine(TransferUi &ui, JobState &state)
+    : m_ui(ui), m_state(state), m_ownSession(std::make_unique<TransferSession>()),
+      m_session(*m_ownSession)
+{
+}
+
+TransferEngine::~TransferEngine()
+{
+    if (m_ownSession)
+        m_ownSession->Close();
+    else
+        m_session.Unhook();
+}
 
 QString TransferEngine::TemporaryName(const QString &fileName)
 {
@@ -62,7 +80,8 @@ bool TransferEngine::SessionDelete(const QString &server, const QString &user,
         return false;
     FtpConnection session(address, user, password);
     FtpConnection::Request request;
-    request.quote = {QStringLiteral("CWD ") + directory, QStringLiteral("*DELE ") + name};
+    request.directory = directory;
+    request.quote = {QStringLiteral("*DELE ") + name};
     request.maxWaitMs = maxWaitMs;
     const bool done = session.perform(request).ok() && session.lastReply().code < 400 &&
                       session.lastReply().codeInRange();
@@ -80,57 +99,91 @@ std::function<bool()> TransferEngine::cancelWatch() const
     };
 }
 
-void TransferEngine::hookStatus(FtpConnection &connection, const QString &host)
+void TransferEngine::startFile()
 {
-    TransferStatusCallback(60, nextHandleNumber());
-    TransferStatusCallback(10, host);
-    // The words are for the control connection: the data connections of each file come and
-    // go without them.
-    auto opened = std::make_shared<bool>(false);
-    auto connected = std::make_shared<bool>(false);
-    connection.onOpenSocket = [this, opened](const QString &address) {
-        if (*opened)
-            return;
-        *opened = true;
-        TransferStatusCallback(11, address);
-        TransferStatusCallback(20, address);
-    };
-    connection.onLibraryText = [this, connected](const QString &text) {
-        static const QString prefix = QStringLiteral("Connected to ");
-        if (*connected || !text.startsWith(prefix))
-            return;
-        *connected = true;
-        TransferStatusCallback(21, text.mid(prefix.size()).section(QLatin1Char(' '), 0, 0));
-    };
+    LastError = 0;
+    LastErrorText.clear();
+    LastWasCancelled = false;
+    LastSentDirect = false;
 }
 
-bool TransferEngine::connectSession(FtpConnection &connection, const QString &directory,
+FtpConnection *TransferEngine::openSession(const QString &server, const QString &user,
+                                           const QString &password)
+{
+    const FtpAddress address = FtpAddress::fromServerField(server);
+    if (!address.valid) {
+        LastError = 12007;
+        LastErrorText = errorText(LastError, QString());
+        return nullptr;
+    }
+    FtpConnection &session = m_session.For(address, user, password);
+    session.cancelRequested = cancelWatch();
+    // The words of a connection being made: its start before the name is looked up, then
+    // the control connection's socket and its "Connected to". The data connections of each
+    // file come and go without them.
+    m_toldStart = false;
+    m_awaitingConnected = false;
+    const auto tellStart = [this, host = address.host] {
+        if (m_toldStart)
+            return;
+        m_toldStart = true;
+        TransferStatusCallback(60, nextHandleNumber());
+        TransferStatusCallback(10, host);
+    };
+    if (!session.isOpen())
+        tellStart();
+    session.onOpenSocket = [this, tellStart](const QString &socketAddress) {
+        tellStart();
+        m_awaitingConnected = true;
+        TransferStatusCallback(11, socketAddress);
+        TransferStatusCallback(20, socketAddress);
+    };
+    session.onLibraryText = [this](const QString &text) {
+        static const QString prefix = QStringLiteral("Connected to ");
+        if (!m_awaitingConnected || !text.startsWith(prefix))
+            return;
+        m_awaitingConnected = false;
+        TransferStatusCallback(21, text.mid(prefix.size()).section(QLatin1Char(' '), 0, 0));
+    };
+    return &session;
+}
+
+bool TransferEngine::enterDirectory(FtpConnection &session, const QString &directory,
                                     QString *current)
 {
+    // A kept connection that stands there already needs no word with the server.
+    if (!directory.isEmpty() && session.isOpen() && session.serverDirectory() == directory) {
+        *current = directory;
+        return true;
+    }
     FtpConnection::Request request;
     // The move into the directory may fail; the session then works where it stands.
     if (!directory.isEmpty())
         request.quote.append(QStringLiteral("*CWD ") + directory);
     request.quote.append(QStringLiteral("PWD"));
-    const auto result = connection.perform(request);
+    const auto result = session.perform(request);
     if (!result.ok()) {
         LastError = result.cancelled ? FtpErrors::OperationCancelled
-                                     : FtpErrors::NumberFor(result.code, connection);
-        LastErrorText = errorText(LastError, FtpErrors::ServerText(connection.lastReply()));
+                                     : FtpErrors::NumberFor(result.code, session);
+        LastErrorText = errorText(LastError, FtpErrors::ServerText(session.lastReply()));
         LastWasCancelled = result.cancelled;
+        tellClosed(session);
         return false;
     }
-    *current = PathFrom257(connection.lastReply().text());
+    *current = PathFrom257(session.lastReply().text());
     if (current->isEmpty())
         *current = directory.isEmpty() ? QStringLiteral("/") : directory;
+    else
+        session.setServerDirectory(*current);
     return true;
 }
 
-void TransferEngine::closeSession(FtpConnection &connection)
+void TransferEngine::tellClosed(const FtpConnection &session)
 {
+    if (session.isOpen())
+        return;
     TransferStatusCallback(70, 0);
     TransferStatusCallback(50, QVariant());
-    connection.close();
     TransferStatusCallback(51, QVariant());
 }
 
@@ -138,27 +191,18 @@ bool TransferEngine::SessionUpload(const QString &server, const QString &user,
                                    const QString &password, const QString &remoteDirectory,
                                    const QString &localPath)
 {
-    LastError = 0;
-    LastErrorText.clear();
-    LastWasCancelled = false;
-    LastSentDirect = false;
-    const FtpAddress address = FtpAddress::fromServerField(server);
-    if (!address.valid) {
-        LastError = 12007;
-        LastErrorText = errorText(LastError, QString());
+    startFile();
+    FtpConnection *session = openSession(server, user, password);
+    if (!session)
         return false;
-    }
-    FtpConnection session(address, user, password);
-    session.cancelRequested = cancelWatch();
-    hookStatus(session, address.host);
-
     bool sent = false;
     QString directory;
-    if (connectSession(session, remoteDirectory, &directory)) {
+    if (enterDirectory(*session, remoteDirectory, &directory)) {
         m_ui.SetBusyCursor(true);
-        sent = EngineUploadFile(session, directory, localPath);
+        sent = EngineUploadFile(*session, directory, localPath);
+        if (!sent)
+            tellClosed(*session);
     }
-    closeSession(session);
     m_ui.SetBusyCursor(false);
     return sent;
 }
@@ -188,6 +232,7 @@ bool TransferEngine::EngineUploadFile(FtpConnection &session, const QString &dir
     const auto store = [&](const QString &target, const QStringList &quote) {
         FtpConnection::Request request;
         request.kind = FtpConnection::Request::Kind::Store;
+        request.directory = directory;
         request.quote = quote;
         request.fileName = target;
         request.uploadSize = file.size();
@@ -203,22 +248,24 @@ bool TransferEngine::EngineUploadFile(FtpConnection &session, const QString &dir
         };
         return session.perform(request);
     };
-    auto result = store(temporary, {QStringLiteral("CWD ") + directory});
+    auto result = store(temporary, {});
     if (result.ok()) {
+        // A refused rename is no failure of the connection: it is asked so that it may fail.
         FtpConnection::Request rename;
-        rename.quote = {QStringLiteral("CWD ") + directory, QStringLiteral("RNFR ") + temporary,
-                        QStringLiteral("RNTO ") + name};
+        rename.directory = directory;
+        rename.quote = {QStringLiteral("*RNFR ") + temporary, QStringLiteral("*RNTO ") + name};
         result = session.perform(rename);
-        if (result.code == CURLE_QUOTE_ERROR && !result.cancelled && !m_state.skipped() &&
-            file.seek(0)) {
+        const bool renamed = result.ok() && session.lastReply().code < 400;
+        if (result.ok() && !renamed && !m_state.skipped() && file.seek(0)) {
             // The server forbids renames: the whole temporary copy goes, and the file is sent
             // again straight under its own name. A cut there leaves a partial file under that
             // name, which the caller removes (LastSentDirect).
             LastSentDirect = true;
             BytesSent = 0;
             reported = 0;
-            result = store(
-                name, {QStringLiteral("CWD ") + directory, QStringLiteral("*DELE ") + temporary});
+            result = store(name, {QStringLiteral("*DELE ") + temporary});
+        } else if (result.ok() && !renamed) {
+            result.code = CURLE_QUOTE_ERROR;
         }
     }
     TransferMode = Idle;
@@ -237,47 +284,42 @@ bool TransferEngine::SessionDownload(const QString &server, const QString &user,
                                      const QString &password, const QString &remotePath,
                                      const QString &localPath)
 {
-    LastError = 0;
-    LastErrorText.clear();
-    LastWasCancelled = false;
-    const FtpAddress address = FtpAddress::fromServerField(server);
-    if (!address.valid) {
-        LastError = 12007;
-        LastErrorText = errorText(LastError, QString());
-        return false;
-    }
+    startFile();
     const qsizetype slash = remotePath.lastIndexOf(QLatin1Char('/'));
     const QString wanted = remotePath.mid(slash + 1);
     const QString remoteDirectory =
         slash < 0 ? QString() : (slash == 0 ? QStringLiteral("/") : remotePath.left(slash));
-
-    FtpConnection session(address, user, password);
-    session.cancelRequested = cancelWatch();
-    hookStatus(session, address.host);
+    FtpConnection *session = openSession(server, user, password);
+    if (!session)
+        return false;
 
     bool fetched = false;
     QString directory;
-    if (connectSession(session, remoteDirectory, &directory) && !wanted.isEmpty()) {
+    if (enterDirectory(*session, remoteDirectory, &directory) && !wanted.isEmpty()) {
         QByteArray listing;
         FtpConnection::Request lookup;
         lookup.kind = FtpConnection::Request::Kind::List;
-        lookup.quote = {QStringLiteral("CWD ") + directory};
+        lookup.directory = directory;
         lookup.write = [&listing](const char *data, size_t size) {
             if (listing.size() + qint64(size) > FtpListing::MaxBytes)
                 return false; // a listing beyond any directory's is not read
             listing.append(data, qsizetype(size));
             return true;
         };
-        if (session.perform(lookup).ok()) {
+        const auto found = session->perform(lookup);
+        if (found.ok()) {
             for (const cDirItem &item : FtpListing::Parse(listing)) {
                 if (item.Name == wanted && !item.isDirectory()) {
-                    fetched = EngineDownloadFile(session, directory, item, localPath);
+                    fetched = EngineDownloadFile(*session, directory, item, localPath);
                     break;
                 }
             }
+        } else {
+            LastWasCancelled = found.cancelled;
         }
+        if (!fetched)
+            tellClosed(*session);
     }
-    closeSession(session);
     m_ui.SetBusyCursor(false);
     return fetched;
 }
@@ -299,7 +341,7 @@ bool TransferEngine::EngineDownloadFile(FtpConnection &session, const QString &d
     bool localFailed = false;
     FtpConnection::Request request;
     request.kind = FtpConnection::Request::Kind::Retrieve;
-    request.quote = {QStringLiteral("CWD ") + directory};
+    request.directory = directory;
     request.fileName = found.Name;
     request.write = [&](const char *data, size_t size) {
         localFailed = file.write(data, qint64(size)) != qint64(size);

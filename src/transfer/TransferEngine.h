@@ -3,15 +3,21 @@
 #include <QString>
 #include <QVariant>
 
+#include <memory>
+
 class TransferUi;
+class TransferSession;
 struct JobState;
 class FtpConnection;
 struct cDirItem;
 
-// The per-file transfers: each call opens a session and a connection of its own for one file,
-// drives dlgFTP's bar through TransferStatusCallback, and closes them again, beside the main
-// window's cFTP. A cancel (UserResponse turning to "!!Skip!!", or UploadCancelled set, while
-// the file goes across) stops the file in flight.
+// The per-file transfers of a job, beside the main window's cFTP: each call sends or fetches
+// one file over the job's TransferSession, which logs in once and keeps its connection from
+// file to file, and drives dlgFTP's bar through TransferStatusCallback. The status words of
+// connecting and closing show when a connection is really made or ends (after a failure; the
+// job closes a working one at its end). A cancel (UserResponse turning to "!!Skip!!", or
+// UploadCancelled set, while the file goes across) stops the file in flight and ends the
+// connection.
 //
 // An upload goes to a temporary name in the target directory and is renamed to its own name
 // only when the whole file has arrived, so a cut transfer never leaves a partial file under
@@ -26,11 +32,18 @@ public:
     static constexpr int Downloading = 3;
     static constexpr int Uploading = 5;
 
+    // The files go over session, which the engine leaves open for the next file.
+    TransferEngine(TransferUi &ui, JobState &state, TransferSession &session);
+    // With a session of the engine's own, closed when the engine goes.
     TransferEngine(TransferUi &ui, JobState &state);
+    ~TransferEngine();
+    TransferEngine(const TransferEngine &) = delete;
+    TransferEngine &operator=(const TransferEngine &) = delete;
 
-    // Sends localPath into remoteDirectory (absolute) under its own name. false on any
-    // failure; only a failure of the transfer itself (not of the connect or login) shows its
-    // text, through frmErrUpload and the bar's status, and a cancelled one shows nothing.
+    // Sends localPath into remoteDirectory (absolute) under its own name, logging in first
+    // when the session has no connection for this account. false on any failure; only a
+    // failure of the transfer itself (not of the connect or login) shows its text, through
+    // frmErrUpload and the bar's status, and a cancelled one shows nothing.
     bool SessionUpload(const QString &server, const QString &user, const QString &password,
                        const QString &remoteDirectory, const QString &localPath);
     // Fetches remotePath (directory and file) into localPath.
@@ -78,11 +91,24 @@ private:
     // LastError (number), LastErrorText and LastWasCancelled for a failed file; the bar's
     // status shows the text unless it was a cancel.
     void recordFailure(bool cancelled, int number, const FtpConnection &session);
-    void hookStatus(FtpConnection &connection, const QString &host);
-    bool connectSession(FtpConnection &connection, const QString &directory, QString *current);
+    // The job's connection for the account, with the status words hooked to it; nullptr (and
+    // the failure recorded) for a server field that names no server.
+    FtpConnection *openSession(const QString &server, const QString &user,
+                               const QString &password);
+    // Moves the session into directory (a failed move leaves it where it stands) and tells
+    // where it stands; false when the session can't be had.
+    bool enterDirectory(FtpConnection &session, const QString &directory, QString *current);
     std::function<bool()> cancelWatch() const;
-    void closeSession(FtpConnection &connection);
+    // The closing words, for a connection that ended with a failure.
+    void tellClosed(const FtpConnection &session);
+    void startFile();
 
     TransferUi &m_ui;
     JobState &m_state;
+    std::unique_ptr<TransferSession> m_ownSession;
+    TransferSession &m_session;
+    // The status words of the connection in hand: whether its start was told, and whether the
+    // "Connected to" of its control connection is still to come.
+    bool m_toldStart = false;
+    bool m_awaitingConnected = false;
 };

@@ -11,6 +11,8 @@
 #include <QLocale>
 #include <QTime>
 
+#include <functional>
+
 namespace {
 
 constexpr int Attempts = 3;
@@ -39,12 +41,57 @@ bool jobCancelled(const JobState &state)
     return state.skipped() || state.UploadCancelled;
 }
 
+// A cancel that came after this point (a flag already set before does not count).
+class CancelSince
+{
+public:
+    explicit CancelSince(const JobState &state)
+        : m_state(state), m_wasCancelled(state.UploadCancelled), m_wasSkipped(state.skipped())
+    {
+    }
+    bool operator()() const
+    {
+        return (!m_wasCancelled && m_state.UploadCancelled) ||
+               (!m_wasSkipped && m_state.skipped());
+    }
+
+private:
+    const JobState &m_state;
+    bool m_wasCancelled;
+    bool m_wasSkipped;
+};
+
 const QString DirectoryFailure = QStringLiteral(
     "Failed to create/find a directory, retry. Note:On some servers the root (main directory) "
     "for the FTP site is not at the same level as the web directory. This can cause problems. "
     "Contact your ISP and have them set the FTP root to the same level as the Web directory. "
     "Another option is for you to change the root path of this program under the 'Standard FTP "
     "and settings' function, then select 'Advanced settings'.");
+
+} // namespace
+
+namespace {
+
+// Up to three attempts of one file, each with dlgFTP shown (or hidden while BackgroundRequested)
+// and with the account's fields read anew; between two attempts the dialog is unloaded and the
+// event loop served twice. A cancelled attempt is not tried again. True when an attempt worked.
+bool TryThrice(TransferContext &context, const TransferEngine &engine,
+               const std::function<bool(const FtpAccount &account)> &attempt)
+{
+    bool done = false;
+    for (int number = 1; number <= Attempts && !done; ++number) {
+        if (number > 1) {
+            context.progress.UnloadProgress();
+            context.ui.ProcessEvents();
+            context.ui.ProcessEvents();
+        }
+        showOrHideProgress(context);
+        done = attempt(context.window.account());
+        if (!done && (engine.LastWasCancelled || context.state.skipped()))
+            break;
+    }
+    return done;
+}
 
 } // namespace
 
@@ -57,25 +104,15 @@ bool UploadFileToFTP(TransferContext &context, const QString &localPath)
     context.ftp.DeleteFTPFile(name);
     context.state.LastUploadPath = context.window.UploadPath();
 
-    TransferEngine engine(context.progress, context.state);
-    bool sent = false;
+    TransferEngine engine(context.progress, context.state, context.ftp.Transfers());
     // Whether any attempt sent straight under the file's own name.
     bool wentDirect = false;
-    for (int attempt = 1; attempt <= Attempts && !sent; ++attempt) {
-        if (attempt > 1) {
-            context.progress.UnloadProgress();
-            context.ui.ProcessEvents();
-            context.ui.ProcessEvents();
-        }
-        showOrHideProgress(context);
-        const FtpAccount account = context.window.account();
-        sent = engine.SessionUpload(account.server, account.user, account.password, directory,
-                                    localPath);
+    const bool sent = TryThrice(context, engine, [&](const FtpAccount &account) {
+        const bool done = engine.SessionUpload(account.server, account.user, account.password,
+                                               directory, localPath);
         wentDirect = wentDirect || engine.LastSentDirect;
-        // A cancelled file is not tried again.
-        if (!sent && (engine.LastWasCancelled || context.state.skipped()))
-            break;
-    }
+        return done;
+    });
     // The temporary copy of a failed send is removed where the server still answers; after a
     // cancel the user is not kept waiting long for that.
     // A send that went straight under the file's own name may have left a partial copy there.
@@ -110,21 +147,11 @@ bool DownloadFileToFTP(TransferContext &context, const QString &localPath,
         directory += QLatin1Char('/');
     const QString remote = directory + (remoteName.isEmpty() ? nameOf(localPath) : remoteName);
 
-    TransferEngine engine(context.progress, context.state);
-    bool fetched = false;
-    for (int attempt = 1; attempt <= Attempts && !fetched; ++attempt) {
-        if (attempt > 1) {
-            context.progress.UnloadProgress();
-            context.ui.ProcessEvents();
-            context.ui.ProcessEvents();
-        }
-        showOrHideProgress(context);
-        const FtpAccount account = context.window.account();
-        fetched = engine.SessionDownload(account.server, account.user, account.password, remote,
-                                         localPath);
-        if (!fetched && (engine.LastWasCancelled || context.state.skipped()))
-            break;
-    }
+    TransferEngine engine(context.progress, context.state, context.ftp.Transfers());
+    const bool fetched = TryThrice(context, engine, [&](const FtpAccount &account) {
+        return engine.SessionDownload(account.server, account.user, account.password, remote,
+                                      localPath);
+    });
     context.progress.UnloadProgress();
     return fetched;
 }
@@ -141,12 +168,16 @@ bool CheckFTPDir(TransferContext &context, const QString &name)
 {
     QString directory = name;
     directory.replace(QLatin1Char(' '), QLatin1Char('_'));
+    if (context.ftp.WaitCancelled())
+        return false;
     if (const cDirItem *item = context.ftp.Directory().Item(directory))
         return item->isDirectory();
     if (context.ftp.CreateFTPDirectory(directory)) {
         context.window.ReloadFTPList();
         return true;
     }
+    if (context.ftp.WaitCancelled())
+        return false;
     context.ui.Message(DirectoryFailure, QStringLiteral("Tarnwick"), JobUi::Buttons::Ok,
                        JobUi::Icon::Warning);
     return false;
@@ -187,7 +218,10 @@ JobConnection ConnectForJob(TransferContext &context, const JobConnectOptions &o
     if (options.runWithoutConnections)
         return JobConnection::StayLocal;
     const FtpAccount account = context.window.account();
+    const CancelSince cancelled(context.state);
     if (!context.ftp.OpenConnection(account.server, account.user, account.password)) {
+        if (cancelled())
+            return JobConnection::Cancelled;
         if (failureText)
             *failureText = QStringLiteral("failed to connect, retry. (") +
                            context.ftp.GetLastErrorMessage() + QLatin1Char(')');
@@ -195,8 +229,12 @@ JobConnection ConnectForJob(TransferContext &context, const JobConnectOptions &o
     }
     context.ftp.SetFTPDirectory(QStringLiteral("/"));
     context.window.ReloadFTPList();
+    if (cancelled())
+        return JobConnection::Cancelled;
     if (!options.ftpRoot.trimmed().isEmpty())
         context.ftp.SetFTPDirectory(options.ftpRoot.trimmed());
+    if (cancelled())
+        return JobConnection::Cancelled;
     context.ui.SetStatusText(
         QStringLiteral("Connected to ") + account.server + QStringLiteral(" as ") + account.user +
         QStringLiteral(" at ") +
@@ -208,18 +246,19 @@ JobConnection ConnectForJob(TransferContext &context, const JobConnectOptions &o
     if (!options.clientRoot.trimmed().isEmpty()) {
         context.window.ReloadFTPList();
         if (!EnsureFTPDirectory(context, options.clientRoot.trimmed()))
-            return JobConnection::NoClientRoot;
+            return cancelled() ? JobConnection::Cancelled : JobConnection::NoClientRoot;
     }
-    return JobConnection::Connected;
+    return cancelled() ? JobConnection::Cancelled : JobConnection::Connected;
 }
 
 JobDirectory EnterJobDirectories(TransferContext &context, const QStringList &directories,
                                  const QString &expected)
 {
     context.ui.SetStatusText(QStringLiteral("Verifing Path"));
+    const CancelSince cancelled(context.state);
     context.window.ReloadFTPList();
     for (const QString &directory : directories) {
-        if (!EnsureFTPDirectory(context, directory))
+        if (cancelled() || !EnsureFTPDirectory(context, directory))
             return JobDirectory::NoDirectory;
     }
     return verifyUploadPath(context.ftp, expected) ? JobDirectory::Entered

@@ -59,8 +59,9 @@ bool DownloadFileToFTP(TransferContext &context, const QString &localPath,
 // and contains expected (case-sensitive).
 bool verifyUploadPath(cFTP &ftp, const QString &expected);
 // Blanks become "_". True when the entry is a directory in the last listing, or was made now
-// (the list is then reloaded); false, without a message, when the name is a file; false with
-// the "Failed to create/find a directory" message when it could not be made.
+// (the list is then reloaded); false, without a message, when the name is a file or the user
+// cancelled the wait; false with the "Failed to create/find a directory" message when it could
+// not be made.
 bool CheckFTPDir(TransferContext &context, const QString &name);
 // Makes sure a directory of that name (blanks as "_") exists under the current one and enters
 // it, reloading the list and showing the new UploadPath. false when the job must stop.
@@ -78,11 +79,13 @@ enum class JobConnection
     Connected,
     StayLocal,
     Failed,
-    NoClientRoot
+    NoClientRoot,
+    Cancelled
 };
 // "Connecting"; log in with the account; "/" then FTPRoot; "Connected to <server> as <user>
 // at <time>"; the account is written to the settings; ClientRoot ensured. On Failed,
-// *failureText holds "failed to connect, retry. (<reason>)" for the job to show.
+// *failureText holds "failed to connect, retry. (<reason>)" for the job to show. Cancelled:
+// the user stopped a wait on the way (nothing to show; the job ends there).
 JobConnection ConnectForJob(TransferContext &context, const JobConnectOptions &options,
                             QString *failureText = nullptr);
 enum class JobDirectory
@@ -92,7 +95,8 @@ enum class JobDirectory
     WrongPath
 };
 // "Verifing Path": reload, ensure each directory in turn, then verifyUploadPath(expected).
-// The job shows its own message for WrongPath.
+// The job shows its own message for WrongPath; NoDirectory also stands for a cancel on the way
+// (UserResponse "!!Skip!!").
 JobDirectory EnterJobDirectories(TransferContext &context, const QStringList &directories,
                                  const QString &expected);
 // "Sending Files": each file with "Currently loading section n of m" and UploadFileToFTP;

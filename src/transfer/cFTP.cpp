@@ -74,22 +74,44 @@ QString UnusableNamesText(int count)
                             .arg(count);
 }
 
-cFTP::cFTP(JobState &state, QObject *parent) : QObject(parent), m_state(&state) {}
+cFTP::cFTP(JobState &state, QObject *parent) : QObject(parent), m_state(&state)
+{
+    m_transfers.onWaitStarted = [this](const QString &text) { emit WaitStarted(text); };
+    m_transfers.onWaitEnded = [this] { emit WaitEnded(); };
+}
 
 cFTP::~cFTP() = default;
 
+void cFTP::hookWaits(FtpConnection &connection)
+{
+    connection.onWaitStarted = [this](const QString &text) { emit WaitStarted(text); };
+    connection.onWaitEnded = [this] { emit WaitEnded(); };
+}
+
+void cFTP::CancelWait()
+{
+    m_cancelStands = true;
+    if (m_connection)
+        m_connection->cancel();
+    m_transfers.Cancel();
+}
+
 void cFTP::CloseConnection()
 {
+    m_transfers.Close();
     if (m_connection && m_connection->busy())
         return;
-    if (m_connection)
+    if (m_connection) {
         m_connection->close();
+        m_earlierLogins += m_connection->logins();
+    }
     m_connection.reset();
     m_currentDirectory.clear();
 }
 
 bool cFTP::OpenConnection(const QString &server, const QString &user, const QString &password)
 {
+    m_cancelStands = false;
     m_transferType = FTP_TRANSFER_TYPE_ASCII;
     m_passiveFlag = 0;
     const QString operation = QStringLiteral("InternetConnect");
@@ -104,6 +126,7 @@ bool cFTP::OpenConnection(const QString &server, const QString &user, const QStr
         return false;
     }
     m_connection = std::make_unique<FtpConnection>(address, user, password);
+    hookWaits(*m_connection);
     FtpConnection::Request request;
     request.quote = {QStringLiteral("PWD")};
     const auto result = run(request);
@@ -113,9 +136,11 @@ bool cFTP::OpenConnection(const QString &server, const QString &user, const QStr
             failWith(FtpErrors::ExtendedError, operation);
         else
             fail(result, operation);
+        m_earlierLogins += m_connection->logins();
         m_connection.reset();
         return false;
     }
+    m_connection->setServerDirectory(entry);
     m_server = server;
     m_user = user;
     m_currentDirectory = entry;
@@ -139,6 +164,12 @@ cFTP::Target cFTP::resolve(const QString &remotePath) const
 
 FtpConnection::Result cFTP::run(const FtpConnection::Request &request)
 {
+    if (m_cancelStands) {
+        FtpConnection::Result refused;
+        refused.code = CURLE_ABORTED_BY_CALLBACK;
+        refused.cancelled = true;
+        return refused;
+    }
     JobState *state = m_state;
     const bool wasCancelled = state && state->UploadCancelled;
     const bool wasSkipped = state && state->skipped();
@@ -146,7 +177,10 @@ FtpConnection::Result cFTP::run(const FtpConnection::Request &request)
         return state &&
                ((!wasCancelled && state->UploadCancelled) || (!wasSkipped && state->skipped()));
     };
-    return m_connection->perform(request);
+    const FtpConnection::Result result = m_connection->perform(request);
+    if (result.cancelled)
+        m_cancelStands = true;
+    return result;
 }
 
 bool cFTP::requireConnection(const QString &operation)
@@ -196,8 +230,7 @@ bool cFTP::runCommands(const QStringList &commands, const QString &operation,
     FtpConnection::Request request;
     // The move to the kept directory must work, or the commands would act elsewhere; the
     // commands themselves may fail without losing the connection, and their replies tell.
-    request.quote.append(QStringLiteral("CWD ") +
-                         (directory.isEmpty() ? m_currentDirectory : directory));
+    request.directory = directory.isEmpty() ? m_currentDirectory : directory;
     for (const QString &command : commands)
         request.quote.append(QLatin1Char('*') + command);
     const auto result = run(request);
@@ -206,8 +239,7 @@ bool cFTP::runCommands(const QStringList &commands, const QString &operation,
         return false;
     }
     const QList<FtpReply> &replies = m_connection->replies();
-    const qsizetype expected = commands.size() + 1;
-    if (replies.size() < expected) {
+    if (replies.size() < commands.size()) {
         failWith(12030, operation);
         return false;
     }
@@ -255,6 +287,7 @@ QString cFTP::GetFTPDirectory()
         return QString();
     }
     m_currentDirectory = path;
+    m_connection->setServerDirectory(path);
     return path;
 }
 
@@ -269,6 +302,7 @@ bool cFTP::SetFTPDirectory(const QString &path)
         return false;
     }
     m_currentDirectory = confirmed;
+    m_connection->setServerDirectory(confirmed);
     return true;
 }
 
@@ -282,7 +316,7 @@ bool cFTP::fetchListing(const QString &directory, QByteArray &listing, const QSt
     }
     FtpConnection::Request request;
     request.kind = FtpConnection::Request::Kind::List;
-    request.quote = {QStringLiteral("CWD ") + directory};
+    request.directory = directory;
     bool tooLong = false;
     request.write = [&listing, &tooLong](const char *data, size_t size) {
         if (listing.size() + qint64(size) > FtpListing::MaxBytes) {
@@ -372,7 +406,7 @@ bool cFTP::SimpleFTPPutFile(const QString &localPath, const QString &remotePath)
     FtpConnection::Request request;
     request.kind = FtpConnection::Request::Kind::Store;
     request.ascii = m_transferType == FTP_TRANSFER_TYPE_ASCII;
-    request.quote = {QStringLiteral("CWD ") + target.directory};
+    request.directory = target.directory;
     request.fileName = target.name;
     request.uploadSize = file.size();
     request.read = [&file](char *buffer, size_t size) -> size_t {
@@ -405,7 +439,7 @@ bool cFTP::SimpleFTPGetFile(const QString &localPath, const QString &remotePath)
     FtpConnection::Request request;
     request.kind = FtpConnection::Request::Kind::Retrieve;
     request.ascii = m_transferType == FTP_TRANSFER_TYPE_ASCII;
-    request.quote = {QStringLiteral("CWD ") + target.directory};
+    request.directory = target.directory;
     request.fileName = target.name;
     request.write = [&file](const char *data, size_t size) {
         return file.write(data, static_cast<qint64>(size)) == static_cast<qint64>(size);
@@ -444,36 +478,31 @@ bool cFTP::FTPUploadFile(const QString &localPath, const QString &remotePath)
     }
     const qint64 length = file.size();
     const qint64 fullBlocks = length / BlockSize;
-    qint64 blocksHanded = 0;
+    // Bytes handed to the library (on its thread, read here once the request is over).
     qint64 handed = 0;
+    qint64 blocksRaised = 0;
+    // One event for each whole block of 255 bytes as it goes out.
+    const auto raiseBlocks = [&](qint64 bytes) {
+        while (blocksRaised < fullBlocks && (blocksRaised + 1) * BlockSize <= bytes) {
+            ++blocksRaised;
+            emit FileTransferProgress(blocksRaised * BlockSize, length);
+        }
+    };
 
     FtpConnection::Request request;
     request.kind = FtpConnection::Request::Kind::Store;
     request.ascii = m_transferType == FTP_TRANSFER_TYPE_ASCII;
-    request.quote = {QStringLiteral("CWD ") + target.directory};
+    request.directory = target.directory;
     request.fileName = target.name;
     request.uploadSize = length;
-    // The library is handed whole blocks of 255 bytes (and the short last one), and each full
-    // block raises the progress event as it goes.
-    request.read = [&](char *buffer, size_t size) -> size_t {
-        size_t filled = 0;
-        while (filled + BlockSize <= size && blocksHanded < fullBlocks) {
-            if (file.read(buffer + filled, BlockSize) != BlockSize)
-                return CURL_READFUNC_ABORT;
-            filled += BlockSize;
-            handed += BlockSize;
-            ++blocksHanded;
-            emit FileTransferProgress(handed, length);
-        }
-        if (filled == 0 && blocksHanded == fullBlocks && handed < length) {
-            const qint64 rest = length - handed;
-            if (static_cast<qint64>(size) < rest || file.read(buffer, rest) != rest)
-                return CURL_READFUNC_ABORT;
-            handed += rest;
-            return static_cast<size_t>(rest);
-        }
-        return filled;
+    request.read = [&file, &handed](char *buffer, size_t size) -> size_t {
+        const qint64 got = file.read(buffer, static_cast<qint64>(size));
+        if (got < 0)
+            return CURL_READFUNC_ABORT;
+        handed += got;
+        return static_cast<size_t>(got);
     };
+    request.progress = [&](qint64, qint64 up) { raiseBlocks(up); };
     const auto result = run(request);
     if (!result.ok()) {
         if (handed > 0)
@@ -482,6 +511,7 @@ bool cFTP::FTPUploadFile(const QString &localPath, const QString &remotePath)
         fail(result, operation);
         return false;
     }
+    raiseBlocks(length);
     emit FileTransferProgress(length, length);
     return true;
 }
@@ -512,28 +542,33 @@ bool cFTP::FTPDownloadFile(const QString &localPath, const QString &remotePath)
         return false;
     }
     const qint64 fullBlocks = size / BlockSize;
+    // Bytes written to the file (on the library's thread, read here once the request is over).
     qint64 received = 0;
     qint64 blocksDone = 0;
     bool localFailed = false;
+    // One event (and a step of the bar) for each whole block of 255 bytes as it comes in.
+    const auto raiseBlocks = [&](qint64 bytes) {
+        while (blocksDone < fullBlocks && (blocksDone + 1) * BlockSize <= bytes) {
+            ++blocksDone;
+            emit FileTransferProgress(blocksDone * BlockSize, size);
+            emit DownloadBarValue(blocksDone * BlockSize);
+        }
+    };
 
     FtpConnection::Request request;
     request.kind = FtpConnection::Request::Kind::Retrieve;
     request.ascii = m_transferType == FTP_TRANSFER_TYPE_ASCII;
-    request.quote = {QStringLiteral("CWD ") + target.directory};
+    request.directory = target.directory;
     request.fileName = target.name;
-    request.write = [&](const char *data, size_t count) {
+    request.write = [&file, &received, &localFailed](const char *data, size_t count) {
         if (file.write(data, static_cast<qint64>(count)) != static_cast<qint64>(count)) {
             localFailed = true;
             return false;
         }
         received += static_cast<qint64>(count);
-        while (blocksDone < fullBlocks && (blocksDone + 1) * BlockSize <= received) {
-            ++blocksDone;
-            emit FileTransferProgress(blocksDone * BlockSize, size);
-            emit DownloadBarValue(blocksDone * BlockSize);
-        }
         return true;
     };
+    request.progress = [&](qint64 down, qint64) { raiseBlocks(down); };
     const auto result = run(request);
     if (!result.ok() || localFailed) {
         file.cancelWriting();
@@ -552,6 +587,7 @@ bool cFTP::FTPDownloadFile(const QString &localPath, const QString &remotePath)
         failLocal(file.errorString() + QStringLiteral(": ") + local, operation);
         return false;
     }
+    raiseBlocks(received);
     emit FileTransferProgress(received, size);
     return true;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FtpConnection.h"
+#include "TransferSession.h"
 #include "cDirList.h"
 
 #include <QObject>
@@ -15,10 +16,15 @@ struct JobState;
 // (see FtpConnection), and no member throws: failure is false, -1, -2, "" or nullptr, with the
 // reason in GetLastErrorMessage(), which is not cleared by a later success.
 //
-// The current directory is kept here and confirmed by the server: each request first moves
-// to the kept directory, and a change of directory takes the server's answer to PWD.
+// The current directory is kept here and confirmed by the server: each request works in the
+// kept directory (moving there first when the connection stands elsewhere), and a change of
+// directory takes the server's answer to PWD.
 // A press of Cancel during a call (JobState's UploadCancelled or UserResponse turning to
-// "!!Skip!!" while the call waits) stops the call; it then fails with 12017.
+// "!!Skip!!" while the call waits, or CancelWait()) stops the call; it then fails with 12017.
+// Every wait is bounded by the limits in the settings (FtpLimits) and ends as 12002.
+//
+// Beside its own connection the session holds the transfer engine's (Transfers()), over which
+// the files of a job go with one login; CloseConnection and OpenConnection end it too.
 //
 // Not re-entrant: a call made from an event served while another call waits fails with 12019,
 // except GetFTPDirectory, which then answers from the kept directory.
@@ -40,7 +46,8 @@ public:
     // Puts back the text of a failure that happened outside this session (a send of the
     // transfer engine), after tidying through this session has overwritten it.
     void SetLastErrorMessage(const QString &text) { m_lastErrorMessage = text; }
-    // Ends the connection (QUIT when the server still answers). Safe to call twice.
+    // Ends the connection and the transfer engine's (QUIT when the server still answers). Safe
+    // to call twice.
     void CloseConnection();
     // Stores a local file in one go under remotePath (a name, or a path relative to the current
     // directory or absolute), in the current transfer type.
@@ -82,6 +89,20 @@ public:
     void SetModeActive() { m_passiveFlag = 0; }
     void SetModePassive() { m_passiveFlag = INTERNET_FLAG_PASSIVE; }
 
+    // The transfer engine's connection of the running job.
+    TransferSession &Transfers() { return m_transfers; }
+    // Stops the wait in flight, on this session's connection or the transfer engine's; for a
+    // Cancel pressed while a call waits.
+    void CancelWait();
+    // A cancel of a wait of this session (CancelWait, or a cancel seen while a call waited)
+    // stands for the rest of the job: every later call fails at once with 12017, so a job
+    // reaches its next check without another wait. The next OpenConnection, or ClearCancel at
+    // the start of a command of the FTP tab, ends it.
+    bool WaitCancelled() const { return m_cancelStands; }
+    void ClearCancel() { m_cancelStands = false; }
+    // Logins made through this session's own connection so far.
+    int Logins() const { return m_earlierLogins + (m_connection ? m_connection->logins() : 0); }
+
     quint32 TransferType() const { return m_transferType; }
     quint32 PassiveFlag() const { return m_passiveFlag; }
     bool IsConnected() const { return m_connection != nullptr; }
@@ -99,6 +120,11 @@ signals:
     void DownloadBarShown(qint64 maximum);
     void DownloadBarValue(qint64 value);
     void DownloadBarHidden();
+    // A wait on the server the user should hear of: "Connecting to host:port..." at once when
+    // a connection is made (by this session or the transfer engine), "Waiting for
+    // host:port..." when any other call has waited a moment; WaitEnded when it is over.
+    void WaitStarted(const QString &text);
+    void WaitEnded();
 
 private:
     struct Target
@@ -110,6 +136,7 @@ private:
     FtpConnection::Result run(const FtpConnection::Request &request);
     bool runCommands(const QStringList &commands, const QString &operation,
                      const QString &directory = QString());
+    void hookWaits(FtpConnection &connection);
     bool requireConnection(const QString &operation);
     void fail(const FtpConnection::Result &result, const QString &operation);
     void failWith(int number, const QString &operation);
@@ -117,6 +144,9 @@ private:
     bool fetchListing(const QString &directory, QByteArray &listing, const QString &operation);
 
     std::unique_ptr<FtpConnection> m_connection;
+    TransferSession m_transfers;
+    int m_earlierLogins = 0;
+    bool m_cancelStands = false;
     QString m_server;
     QString m_user;
     QString m_currentDirectory;

@@ -112,6 +112,11 @@ PhotoBuildOutcome PhotoBuildJob::cmdBuildAll()
                           : ftp.GetLastErrorMessage());
         return PhotoBuildOutcome::Failed;
     }
+    case JobConnection::Cancelled:
+        transfer.cmdDisconnect();
+        m_window.setBusy(false);
+        m_window.showProgressFrame(false);
+        return PhotoBuildOutcome::Cancelled;
     case JobConnection::Connected:
         break;
     }
@@ -123,7 +128,18 @@ PhotoBuildOutcome PhotoBuildJob::cmdBuildAll()
     const cDirItem *photos = ftp.Directory().Item(QStringLiteral("Photos"));
     m_photosIsFile = photos && !photos->isDirectory();
     const bool photosListed = photos != nullptr;
+    // A wait that the user cancelled on the way ends the run there, without a word.
+    const auto stoppedByUser = [&] {
+        if (!state.UploadCancelled && state.UserResponse != JobState::Skip)
+            return false;
+        transfer.cmdDisconnect();
+        m_window.setBusy(false);
+        m_window.showProgressFrame(false);
+        return true;
+    };
     if (!EnsureFTPDirectory(m_context, QStringLiteral("Photos"))) {
+        if (stoppedByUser())
+            return PhotoBuildOutcome::Cancelled;
         failureBranch(m_photosIsFile
                           ? QStringLiteral("\"Photos\" on the web space is a file, not a directory")
                           : ftp.GetLastErrorMessage());
@@ -132,6 +148,8 @@ PhotoBuildOutcome PhotoBuildJob::cmdBuildAll()
     if (!photosListed)
         ui.SetStatusText(QStringLiteral("Creating a directory"));
     enterPageFolder();
+    if (stoppedByUser())
+        return PhotoBuildOutcome::Cancelled;
 
     if (!verifyUploadPath(ftp, QStringLiteral("Photos/") + PageName)) {
         ui.Message(QStringLiteral("The connection to the upload path has failed. Select the "

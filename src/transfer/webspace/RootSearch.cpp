@@ -47,6 +47,11 @@ RootSearchResult RootSearch::run()
     m_rows.append({QString(), QStringLiteral("/"), QString()});
 
     for (int visited = 0; visited < m_rows.size(); ++visited) {
+        if (m_host.Cancelled()) {
+            result.cancelled = true;
+            break;
+        }
+        m_host.ShowSearchCount(visited + 1, int(m_rows.size()));
         const Row row = m_rows.at(visited);
         m_host.SetFTPDirectory(row.fullPath());
         const QList<RootSearchEntry> listing = m_host.ReloadFTPList();
@@ -69,6 +74,10 @@ RootSearchResult RootSearch::run()
             // it would only make another one inside.
             if (!entry.isDirectory || entry.name == ProbeName)
                 continue;
+            if (m_host.Cancelled()) {
+                result.cancelled = true;
+                break;
+            }
             m_host.ShowSearchName(entry.name);
             m_host.ProcessEvents();
             m_host.ProcessEvents();
@@ -105,6 +114,8 @@ RootSearchResult RootSearch::run()
             m_host.ReloadFTPList();
             m_host.ProcessEvents();
         }
+        if (result.cancelled)
+            break;
     }
     result.rowsFilled = int(m_rows.size());
     return result;

@@ -34,7 +34,15 @@ public:
     virtual QList<RootSearchEntry> ReloadFTPList() = 0;
     // The name of the directory about to be probed (Label4 of the Configuration page).
     virtual void ShowSearchName(const QString &name) = 0;
+    // How far the walk has come: directories looked at, and found so far.
+    virtual void ShowSearchCount(int lookedAt, int found)
+    {
+        (void)lookedAt;
+        (void)found;
+    }
     virtual void ProcessEvents() = 0;
+    // True once the user has stopped the walk; it then ends at its next step, finding nothing.
+    virtual bool Cancelled() { return false; }
 };
 
 // The file names that mark a home page, each searched for as part of a listed name.
@@ -57,6 +65,7 @@ struct RootSearchResult
     QString FTPRoot;  // fullPath without its leading "/": what the FTPRoot key holds
     int rowsFilled = 0;
     bool rowLimitReached = false; // directories were left out because the table was full
+    bool cancelled = false;       // the user stopped the walk
 };
 
 class RootSearch final

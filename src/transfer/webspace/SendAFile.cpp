@@ -71,6 +71,21 @@ SendAFileResult SendThisFile(TransferContext &context, SendAFileInputs &inputs,
     if (inputs.sName.isEmpty() || inputs.runWithoutMenu)
         return finish(Outcome::NothingToSend);
 
+    // A cancel pressed from here on: that of a wait, the progress frame's or dlgFTP's. (A
+    // cancelled prompt for the name is no cancel of the job: see above.)
+    const bool wasCancelled = state.UploadCancelled;
+    const bool wasSkipped = state.skipped();
+    const auto cancelled = [&] {
+        return (!wasSkipped && state.skipped()) || (!wasCancelled && state.UploadCancelled);
+    };
+    // A wait cancelled on the way ends the job there, as a cancelled transfer does.
+    const auto stopped = [&] {
+        window.showProgressFrame(false);
+        context.window.cmdDisconnect();
+        result.outcome = Outcome::Cancelled;
+        result.sName = inputs.sName;
+        return result;
+    };
     const FtpAccount account = context.window.account();
     if (!ftp.OpenConnection(account.server, account.user, account.password))
         return finish(Outcome::NoConnection);
@@ -81,6 +96,8 @@ SendAFileResult SendThisFile(TransferContext &context, SendAFileInputs &inputs,
     ui.SetStatusText(connectedText(account));
     context.window.ReloadFTPList();
     context.window.showUploadPath(ftp.CurrentDirectory());
+    if (cancelled())
+        return stopped();
 
     // A directory that is a file, or that cannot be made, ends the job; the disconnect comes
     // last and leaves the rings of the FTP tab.
@@ -98,10 +115,12 @@ SendAFileResult SendThisFile(TransferContext &context, SendAFileInputs &inputs,
         QString directory = clientRoot;
         directory.replace(QLatin1Char(' '), QLatin1Char('_'));
         if (!ensure(directory))
-            return noDirectory();
+            return cancelled() ? stopped() : noDirectory();
     }
     if (!ensure(inputs.sName))
-        return noDirectory();
+        return cancelled() ? stopped() : noDirectory();
+    if (cancelled())
+        return stopped();
 
     // The session is closed after a wrong path as after any other failed step, so that no
     // login is left behind in a place the user did not choose.
@@ -116,7 +135,7 @@ SendAFileResult SendThisFile(TransferContext &context, SendAFileInputs &inputs,
     }
 
     UploadFileToFTP(context, file.absoluteFilePath());
-    if (state.UserResponse == JobState::Skip) {
+    if (state.UserResponse == JobState::Skip || cancelled()) {
         window.showProgressFrame(false);
         context.window.cmdDisconnect();
         result.outcome = Outcome::Cancelled;

@@ -72,6 +72,26 @@ bool FtpTestServer::start()
         m_error = QStringLiteral("no temporary folder");
         return false;
     }
+    if (m_options.faults.contains(QStringLiteral("unresolvable")))
+        return true;
+    if (m_options.faults.contains(QStringLiteral("refuse-connection"))) {
+        // Bound, so no other program takes the port, but never listening: a connection is
+        // answered with a reset at once.
+        m_deadSocket = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        if (m_deadSocket < 0 ||
+            ::bind(m_deadSocket, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0 ||
+            ::getsockname(m_deadSocket, reinterpret_cast<sockaddr *>(&address), &length) != 0) {
+            m_error = QStringLiteral("no port to refuse connections on");
+            stop();
+            return false;
+        }
+        m_port = ntohs(address.sin_port);
+        return true;
+    }
     const QString python = pythonProgram();
     if (python.isEmpty()) {
         m_error = QStringLiteral("python3 with pyftpdlib is not installed (python3-pyftpdlib)");
@@ -90,6 +110,11 @@ bool FtpTestServer::start()
                              QString::number(m_options.times),
                              QStringLiteral("--command-log"),
                              m_work.filePath(QStringLiteral("commands.log"))};
+    // The login log and delay are the pyftpdlib server's; the hostile one has neither.
+    if (!m_options.hostile)
+        arguments << QStringLiteral("--login-log") << m_work.filePath(QStringLiteral("logins.log"))
+                  << QStringLiteral("--login-delay")
+                  << QString::number(m_options.loginDelayMs / 1000.0);
     for (const QString &fault : m_options.faults)
         arguments << QStringLiteral("--fault") << fault;
 
@@ -129,6 +154,10 @@ bool FtpTestServer::start()
 
 void FtpTestServer::stop()
 {
+    if (m_deadSocket >= 0) {
+        ::close(m_deadSocket);
+        m_deadSocket = -1;
+    }
     if (!m_process)
         return;
     if (m_process->state() != QProcess::NotRunning) {
@@ -148,6 +177,8 @@ bool FtpTestServer::isRunning() const
 
 QString FtpTestServer::server() const
 {
+    if (m_options.faults.contains(QStringLiteral("unresolvable")))
+        return QStringLiteral("no-such-host.invalid:21");
     return QStringLiteral("127.0.0.1:") + QString::number(m_port);
 }
 
@@ -182,4 +213,12 @@ int FtpTestServer::countCommands(const QString &verb) const
             ++count;
     }
     return count;
+}
+
+int FtpTestServer::logins() const
+{
+    QFile file(m_work.filePath(QStringLiteral("logins.log")));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    return int(file.readAll().count('\n'));
 }

@@ -11,7 +11,10 @@
 // one user, for as long as the object lives. Faults for the tests are switched on by name
 // (see ftpserver.py): "refuse-login", "stor-550", "stor-552", "dele-550", "rnto-553",
 // "drop-after=N", "stall-after=N", "stall-retr", "silent", "greet-421", "dos-listing",
-// "mkd-553=NAME".
+// "mkd-553=NAME", "drop-after-files=N", "idle-421-after-files=N", "mute-user",
+// "pasv-dead-port", "data-silent", "half-reply[=CMD]". Two faults need no server at all:
+// "refuse-connection" gives a port where nothing listens (the connection is refused), and
+// "unresolvable" a server name that does not resolve.
 //
 //   FtpTestServer server;
 //   QVERIFY2(server.start(), qPrintable(server.errorString()));
@@ -28,6 +31,9 @@ public:
         int times = 1;
         // pyftpdlib's permission letters; "elr" makes a read-only account.
         QString permissions = QStringLiteral("elradfmwMT");
+        // How long each password check takes, as on a real server (other sessions go on
+        // meanwhile).
+        int loginDelayMs = 0;
         // The hostile server of hostileserver.py instead of pyftpdlib: its faults are the
         // behaviours listed there (overlong lines, huge and endless listings, names holding
         // "../", "/", NUL and line breaks, reply codes out of range).
@@ -47,7 +53,8 @@ public:
     QString errorString() const { return m_error; }
 
     int port() const { return m_port; }
-    // "127.0.0.1:<port>", what goes in the server field.
+    // "127.0.0.1:<port>", what goes in the server field ("no-such-host.invalid:21" for the
+    // "unresolvable" fault).
     QString server() const;
     QString user() const { return m_options.user; }
     QString password() const { return m_options.password; }
@@ -60,6 +67,8 @@ public:
     // is shown as "****"); with sessions, prefixed by the session number and a blank.
     QStringList commands(bool withSessions = false) const;
     int countCommands(const QString &verb) const;
+    // Logins that succeeded so far.
+    int logins() const;
 
     // The Python interpreter that has pyftpdlib ("" when none was found).
     static QString pythonProgram();
@@ -73,5 +82,7 @@ private:
     QTemporaryDir m_work;
     std::unique_ptr<QProcess> m_process;
     int m_port = 0;
+    // The bound, never listening socket of "refuse-connection" (-1 otherwise).
+    int m_deadSocket = -1;
     QString m_error;
 };

@@ -23,6 +23,21 @@ Faults for the tests (--fault, may be given more than once):
                      session is closed (a server ending an idle session)
   mkd-553=NAME       MKD of a directory called NAME is answered "553 Requested action not
                      taken. File name not allowed." (the directory is not made)
+  drop-after-files=N once N uploads have arrived whole, the session that took the Nth is
+                     closed at once, without a word (a connection dropped between two files)
+  idle-421-after-files=N
+                     once N uploads have arrived whole, the next command of the session that
+                     took the Nth is answered "421 Timeout." and the session is closed (a
+                     server that ends an idle session)
+  mute-user          the greeting comes, but USER is never answered, nor anything after it
+  pasv-dead-port     EPSV and PASV name a port where nothing listens
+  data-silent        LIST, NLST, MLSD, RETR and STOR are answered 150, the data connection is
+                     taken and then nothing more is sent or read on either connection
+  half-reply[=CMD]   half a reply line, then the connection is closed: in place of the
+                     greeting, or of the answer to CMD when one is named
+--login-delay S holds every password check S seconds (without holding other sessions), as a
+real server's check of a password does. Every login that succeeds is appended to --login-log,
+one line each ("<session> <user>").
 Every command the server receives is appended to --command-log, one line each
 ("<session> <COMMAND> <argument>"; the password is not written).
 """
@@ -46,17 +61,41 @@ class Options:
     faults = {}
     times = 1
     command_log = None
+    login_log = None
+    login_delay = 0.0
     uploads_cut = 0
+    uploads_received = 0
     session_count = 0
+    dead_port = None
     lock = threading.Lock()
 
 
-def log_command(session, line):
-    if not Options.command_log:
+def append_line(path, text):
+    if not path:
         return
     with Options.lock:
-        with open(Options.command_log, "a", encoding="utf-8") as f:
-            f.write("%d %s\n" % (session, line))
+        with open(path, "a", encoding="utf-8") as f:
+            f.write(text + "\n")
+
+
+def log_command(session, line):
+    append_line(Options.command_log, "%d %s" % (session, line))
+
+
+def dead_port():
+    """A port where nothing listens: bound, so nobody else takes it, but never listening."""
+    if Options.dead_port is None:
+        sock = socket.socket(socket.AF_INET, socket.SOCK_STREAM)
+        sock.bind(("127.0.0.1", 0))
+        Options.dead_port = sock
+    return Options.dead_port.getsockname()[1]
+
+
+def count_upload():
+    """Counts an upload that arrived whole; returns the count."""
+    with Options.lock:
+        Options.uploads_received += 1
+        return Options.uploads_received
 
 
 def take_cut():
@@ -112,12 +151,17 @@ class FaultDTPHandler(DTPHandler):
     def readable(self):
         if self.stall_after is not None and self.cmd_channel.silenced:
             return False
+        if self.cmd_channel.data_silent:
+            # Taken, and then left alone: neither read nor closed.
+            return False
         return super().readable()
 
 
 class FaultHandler(FTPHandler):
     dtp_handler = FaultDTPHandler
     silenced = False
+    data_silent = False
+    closing_for_idle = False
 
     def handle(self):
         if "greet-421" in Options.faults:
@@ -125,7 +169,50 @@ class FaultHandler(FTPHandler):
             self.respond("421 Service not available, closing control connection.")
             self.close_when_done()
             return
+        if Options.faults.get("half-reply", None) == "":
+            self.on_connect()
+            self.push("220 Tarnwick te")
+            self.close_when_done()
+            return
         super().handle()
+
+    def on_login(self, username):
+        append_line(Options.login_log, "%d %s" % (getattr(self, "session_number", 0), username))
+
+    def on_file_received(self, file):
+        count = count_upload()
+        dropped = Options.faults.get("drop-after-files")
+        if dropped and count == int(dropped):
+            # Closed under the client's feet, after the reply that the file arrived (once the
+            # data connection is done with: it is still closing here).
+            self.silenced = True
+            self.ioloop.call_later(0, self.close)
+        idle = Options.faults.get("idle-421-after-files")
+        if idle and count == int(idle):
+            self.closing_for_idle = True
+
+    def ftp_PASS(self, line):
+        if Options.login_delay > 0 and not self.authenticated and self.username:
+            self.ioloop.call_later(Options.login_delay, self.checked_pass, line)
+            return
+        super().ftp_PASS(line)
+
+    def checked_pass(self, line):
+        if not self._closed:
+            super().ftp_PASS(line)
+
+    def ftp_PASV(self, line):
+        if "pasv-dead-port" in Options.faults:
+            port = dead_port()
+            self.respond("227 Entering passive mode (127,0,0,1,%d,%d)." % (port // 256, port % 256))
+            return
+        super().ftp_PASV(line)
+
+    def ftp_EPSV(self, line):
+        if "pasv-dead-port" in Options.faults:
+            self.respond("229 Entering extended passive mode (|||%d|)." % dead_port())
+            return
+        super().ftp_EPSV(line)
 
     def on_connect(self):
         with Options.lock:
@@ -145,6 +232,23 @@ class FaultHandler(FTPHandler):
             return
         shown = "PASS ****" if cmd == "PASS" else line
         log_command(getattr(self, "session_number", 0), shown)
+        if self.closing_for_idle:
+            self.respond("421 Timeout.")
+            self.close_when_done()
+            return
+        if cmd == "USER" and "mute-user" in Options.faults:
+            self.silenced = True
+            return
+        if Options.faults.get("half-reply") and cmd == Options.faults["half-reply"]:
+            self.push("%s Tarnwick te" % ("150" if cmd in ("LIST", "RETR", "STOR") else "250"))
+            self.silenced = True
+            self.close_when_done()
+            return
+        if cmd in ("LIST", "NLST", "MLSD", "RETR", "STOR") and "data-silent" in Options.faults:
+            self.respond("150 File status okay. About to open data connection.")
+            self.silenced = True
+            self.data_silent = True
+            return
         if cmd == "PASS" and "refuse-login" in Options.faults:
             self.respond("530 Authentication failed.")
             return
@@ -208,6 +312,8 @@ def main():
     parser.add_argument("--times", type=int, default=1)
     parser.add_argument("--perm", default="elradfmwMT")
     parser.add_argument("--command-log")
+    parser.add_argument("--login-log")
+    parser.add_argument("--login-delay", type=float, default=0.0)
     args = parser.parse_args()
 
     for fault in args.fault:
@@ -215,6 +321,8 @@ def main():
         Options.faults[name] = value
     Options.times = args.times
     Options.command_log = args.command_log
+    Options.login_log = args.login_log
+    Options.login_delay = args.login_delay
 
     if "silent" in Options.faults:
         sock = socket.socket(socket.AF_INET, socket.SOCK_STREAM)

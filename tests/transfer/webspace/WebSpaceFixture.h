@@ -81,7 +81,7 @@ struct WebSpaceFixture
         ftp = std::make_unique<cFTP>(state);
         progress = std::make_unique<DialogTransferUi>(state, window.get());
         // A failed file's error form goes by itself at once, not after five seconds.
-        progress->setErrorAutoCloseMs(0);
+        progress->setErrorAutoCloseMs(10);
         window->setFtpDirectoryProvider([this] { return ftp->CurrentDirectory(); });
     }
 

@@ -1,5 +1,8 @@
 #include "FtpControlTab.h"
+#include "FtpErrors.h"
 #include "InstructionForm.h"
+#include "ServerFaults.h"
+#include "WaitNotice.h"
 #include "Settings.h"
 #include "StepRing.h"
 #include "TestMain.h"
@@ -15,6 +18,8 @@
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTreeWidget>
+
+Q_DECLARE_METATYPE(ServerFault)
 
 class TestFtpControlTab : public QObject
 {
@@ -152,6 +157,116 @@ private slots:
         m_fx->ui.messages.clear();
         connectTab();
         QVERIFY(m_fx->ui.messages.isEmpty());
+    }
+
+    void faultsAtConnect_data()
+    {
+        QTest::addColumn<ServerFault>("fault");
+        for (const auto &[name, fault] : ServerFaults())
+            QTest::newRow(name) << fault;
+    }
+
+    void faultsAtConnect()
+    {
+        QFETCH(ServerFault, fault);
+        SetServerLimits(QStringLiteral("1"));
+        FtpTestServer::Options options;
+        options.faults = {fault.fault};
+        FtpTestServer bad(options);
+        QVERIFY2(bad.start(), qPrintable(bad.errorString()));
+        if (fault.fault == QLatin1String("unresolvable"))
+            fault.number = UnresolvableNumber(1000);
+        m_fx->fillAccount(bad);
+        QStringList notices;
+        QObject::connect(&m_tab->waitNotice(), &WaitNotice::shown,
+                         [&notices](const QString &text) { notices << text; });
+        LoopTurns loop;
+        button("cmdConnect")->click();
+        loop.stop();
+        QVERIFY2(loop.servedThroughout(), qPrintable(loop.report()));
+        const QString connecting = QStringLiteral("Connecting to ") +
+                                   FtpAddress::fromServerField(bad.server()).shown() +
+                                   QStringLiteral("...");
+        QCOMPARE(notices.first(), connecting);
+        if (fault.atLogin) {
+            // One attempt, and the session's own words in a box titled "error".
+            QCOMPARE(notices, QStringList{connecting});
+            QVERIFY(!m_tab->isConnected());
+            QCOMPARE(m_fx->ui.messages.size(), 1);
+            QCOMPARE(m_fx->ui.messages.first().title, QStringLiteral("error"));
+            QCOMPARE(m_fx->ui.messages.first().text,
+                     FtpErrors::Compose(fault.number, QStringLiteral("InternetConnect"),
+                                        QString()));
+            QVERIFY(!button("cmdUpload")->isEnabled());
+        } else {
+            // The login works; the listings fail in silence and leave the list empty.
+            QVERIFY(m_tab->isConnected());
+            QVERIFY(m_fx->ui.messages.isEmpty());
+            QCOMPARE(names(), QStringList{QStringLiteral("..")});
+            // Refreshing meets the fault again, and says nothing either.
+            button("cmdRefresh")->click();
+            QCOMPARE(names(), QStringList{QStringLiteral("..")});
+            QVERIFY(m_fx->ui.messages.isEmpty());
+        }
+        // Afterwards: no wait shown, the cursor back, Connect ready for the next try.
+        QVERIFY(!m_fx->window->findChild<QPushButton *>(QStringLiteral("CancelWaitButton"))
+                     ->isVisible());
+        QVERIFY(m_tab->waitNotice().text().isEmpty());
+        QVERIFY(button("cmdConnect")->isEnabled());
+        m_fx->ui.messages.clear();
+        connectTab();
+    }
+
+    void cancelAtConnect_data()
+    {
+        QTest::addColumn<ServerFault>("fault");
+        for (const auto &[name, fault] : ServerFaults()) {
+            if (fault.waits)
+                QTest::newRow(name) << fault;
+        }
+    }
+
+    void cancelAtConnect()
+    {
+        QFETCH(ServerFault, fault);
+        // Limits far off: only Cancel ends the wait.
+        SetServerLimits(QStringLiteral("600"));
+        FtpTestServer::Options options;
+        options.faults = {fault.fault};
+        FtpTestServer bad(options);
+        QVERIFY2(bad.start(), qPrintable(bad.errorString()));
+        m_fx->fillAccount(bad);
+        // Cancel is pressed as the status bar tells of the wait that meets the fault.
+        const QString waitFor = fault.atLogin ? QStringLiteral("Connecting to ")
+                                              : QStringLiteral("Waiting for ");
+        QObject scope;
+        bool pressed = false;
+        QObject::connect(&m_tab->waitNotice(), &WaitNotice::shown, &scope, [&](const QString &text) {
+            if (pressed || !text.startsWith(waitFor))
+                return;
+            pressed = true;
+            QTimer::singleShot(50, &scope, [this] {
+                QPushButton *cancel =
+                    m_fx->window->findChild<QPushButton *>(QStringLiteral("CancelWaitButton"));
+                QVERIFY(cancel->isVisible());
+                QCOMPARE(m_fx->window->statusBar()->currentMessage().left(8),
+                         m_tab->waitNotice().text().left(8));
+                cancel->click();
+            });
+        });
+        LoopTurns loop;
+        button("cmdConnect")->click();
+        loop.stop();
+        QVERIFY(pressed);
+        QVERIFY2(loop.servedThroughout(), qPrintable(loop.report()));
+        // Nothing said, and the tab as before the press: disconnected, ready to connect.
+        QVERIFY(m_fx->ui.messages.isEmpty());
+        QVERIFY(!m_tab->isConnected());
+        QVERIFY(!m_fx->ftp->IsConnected());
+        QVERIFY(!button("cmdUpload")->isEnabled());
+        QVERIFY(button("cmdConnect")->isEnabled());
+        QVERIFY(m_tab->waitNotice().text().isEmpty());
+        connectTab();
     }
 
     void runWithoutConnectionsDoesNothing()

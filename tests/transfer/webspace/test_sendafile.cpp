@@ -1,15 +1,47 @@
+#include "FtpConnection.h"
+#include "FtpErrors.h"
 #include "FtpControlTab.h"
 #include "SendFileFrame.h"
+#include "ServerFaults.h"
+#include "WaitNotice.h"
+#include "frmErrUpload.h"
 #include "Settings.h"
 #include "StepRing.h"
 #include "TestMain.h"
 #include "WebSpaceFixture.h"
 
+#include <QApplication>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPointer>
+#include <QTimer>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+
+Q_DECLARE_METATYPE(ServerFault)
+
+// The texts of the error forms that came up while a test ran, one for each form.
+struct ErrorForms
+{
+    QStringList texts;
+    QPointer<frmErrUpload> last;
+    QTimer poll;
+    ErrorForms()
+    {
+        QObject::connect(&poll, &QTimer::timeout, [this] {
+            for (QWidget *widget : QApplication::topLevelWidgets()) {
+                auto *form = qobject_cast<frmErrUpload *>(widget);
+                if (form && form->isVisible() && form != last) {
+                    last = form;
+                    texts << form->findChild<QLabel *>(QStringLiteral("Label1"))->text();
+                }
+            }
+        });
+        poll.start(2);
+    }
+};
 
 // Send a File from the frame, against a real server.
 class TestSendAFile : public QObject
@@ -188,6 +220,111 @@ private slots:
         QVERIFY(pointer().isEmpty());
         QVERIFY(!QFileInfo::exists(home("/AB")));
         QVERIFY(m_fx->window->ring(10)->isShown());
+    }
+
+    void faultsOfTheServer_data()
+    {
+        QTest::addColumn<ServerFault>("fault");
+        for (const auto &[name, fault] : ServerFaults())
+            QTest::newRow(name) << fault;
+    }
+
+    void faultsOfTheServer()
+    {
+        QFETCH(ServerFault, fault);
+        SetServerLimits(QStringLiteral("1"));
+        FtpTestServer::Options options;
+        options.faults = {fault.fault};
+        FtpTestServer bad(options);
+        QVERIFY2(bad.start(), qPrintable(bad.errorString()));
+        if (fault.fault == QLatin1String("unresolvable"))
+            fault.number = UnresolvableNumber(1000);
+        m_fx->fillAccount(bad);
+        QStringList connects;
+        QObject::connect(&m_tab->waitNotice(), &WaitNotice::shown, [&connects](const QString &t) {
+            if (t.startsWith(QStringLiteral("Connecting to ")))
+                connects << t;
+        });
+        ErrorForms forms;
+        LoopTurns loop;
+        send(localFile(QStringLiteral("a.txt"), "a"), QStringLiteral("AB"));
+        loop.stop();
+        QVERIFY2(loop.servedThroughout(), qPrintable(loop.report()));
+        QVERIFY(m_fx->ui.messages.isEmpty());
+        QVERIFY(!m_fx->ftp->IsConnected());
+        QVERIFY(!m_fx->ftp->Transfers().IsOpen());
+        if (fault.atLogin) {
+            // One attempt to connect, which fails without a word; nothing goes out.
+            QCOMPARE(connects.size(), 1);
+            QVERIFY(forms.texts.isEmpty());
+            QVERIFY(pointer().isEmpty());
+        } else {
+            // The file's three attempts each meet the fault and show its text; the pointer is
+            // still made, as the job does not ask whether the file arrived.
+            const QString text = FtpErrors::Description(fault.number);
+            QCOMPARE(forms.texts, (QStringList{text, text, text}));
+            QVERIFY(!QFileInfo::exists(bad.localPath(QStringLiteral("/AB/a.txt"))));
+            QVERIFY(!QFileInfo::exists(bad.localPath(QStringLiteral("/AB/a.txt.tarnwick-part"))));
+            QCOMPARE(pointer(), QStringLiteral("http://example.org/AB/a.txt"));
+        }
+        QVERIFY(m_tab->waitNotice().text().isEmpty());
+        QVERIFY(m_fx->window->ring(10)->isShown());
+    }
+
+    void cancelDuringAFault_data()
+    {
+        QTest::addColumn<ServerFault>("fault");
+        for (const auto &[name, fault] : ServerFaults()) {
+            if (fault.waits)
+                QTest::newRow(name) << fault;
+        }
+    }
+
+    void cancelDuringAFault()
+    {
+        QFETCH(ServerFault, fault);
+        SetServerLimits(QStringLiteral("600"));
+        FtpTestServer::Options options;
+        options.faults = {fault.fault};
+        FtpTestServer bad(options);
+        QVERIFY2(bad.start(), qPrintable(bad.errorString()));
+        m_fx->fillAccount(bad);
+        const QString waitFor = fault.atLogin ? QStringLiteral("Connecting to ")
+                                              : QStringLiteral("Waiting for ");
+        auto scope = std::make_unique<QObject>();
+        int presses = 0;
+        QObject::connect(&m_tab->waitNotice(), &WaitNotice::shown, scope.get(),
+                         [&](const QString &text) {
+                             if (!text.startsWith(waitFor))
+                                 return;
+                             ++presses;
+                             QTimer::singleShot(50, scope.get(), [this] {
+                                 m_fx->window
+                                     ->findChild<QPushButton *>(QStringLiteral("CancelWaitButton"))
+                                     ->click();
+                             });
+                         });
+        ErrorForms forms;
+        LoopTurns loop;
+        send(localFile(QStringLiteral("a.txt"), "a"), QStringLiteral("AB"));
+        loop.stop();
+        QVERIFY2(loop.servedThroughout(), qPrintable(loop.report()));
+        // One press ended the job where it stood: no further wait, nothing sent or said.
+        QCOMPARE(presses, 1);
+        QVERIFY(m_fx->ui.messages.isEmpty());
+        QVERIFY(forms.texts.isEmpty());
+        QVERIFY(pointer().isEmpty());
+        QCOMPARE(bad.countCommands(QStringLiteral("STOR")), 0);
+        QCOMPARE(bad.countCommands(QStringLiteral("MKD")), 0);
+        QVERIFY(!m_fx->ftp->IsConnected());
+        QVERIFY(!m_fx->ftp->Transfers().IsOpen());
+        QVERIFY(m_tab->waitNotice().text().isEmpty());
+        // Ready for the next try, which works against the right server (and is not pressed).
+        scope.reset();
+        SetServerLimits(QStringLiteral("20"));
+        m_fx->fillAccount(*m_server);
+        send(localFile(QStringLiteral("a.txt"), "a"), QStringLiteral("AB"));
+        QCOMPARE(readFile(home("/AB/a.txt")), QByteArray("a"));
     }
 
     void runWithoutConnectionsSendsNothing()

@@ -1,5 +1,8 @@
 #include "Folders.h"
+#include "FtpConnection.h"
 #include "FtpControlTab.h"
+#include "ServerFaults.h"
+#include "WaitNotice.h"
 #include "SendFileFrame.h"
 #include "Settings.h"
 #include "StartupPage.h"
@@ -11,6 +14,8 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QTimer>
+
+Q_DECLARE_METATYPE(ServerFault)
 
 // The Configuration page: what OK writes, what a test of the connection writes and says, and
 // what closing the page does.
@@ -59,6 +64,114 @@ private slots:
     }
 
     void cleanup() { m_fx.reset(); }
+
+    void faultsEndTheTest_data()
+    {
+        QTest::addColumn<ServerFault>("fault");
+        for (const auto &[name, fault] : ServerFaults())
+            QTest::newRow(name) << fault;
+    }
+
+    void faultsEndTheTest()
+    {
+        QFETCH(ServerFault, fault);
+        SetServerLimits(QStringLiteral("1"));
+        FtpTestServer::Options options;
+        options.faults = {fault.fault};
+        FtpTestServer bad(options);
+        QVERIFY2(bad.start(), qPrintable(bad.errorString()));
+        QStringList values = accountValues();
+        values[0] = bad.server();
+        fill(values);
+        QStringList waits;
+        QObject::connect(&m_tab->waitNotice(), &WaitNotice::shown,
+                         [this, &waits](const QString &text) {
+                             // The page says what it waits for, beside Label4's own words.
+                             QCOMPARE(m_page->WaitLabel()->text(), text);
+                             QVERIFY(m_page->CancelTestButton()->isEnabled());
+                             waits << text;
+                         });
+        LoopTurns loop;
+        click("TestConnectButton");
+        loop.stop();
+        QVERIFY2(loop.servedThroughout(), qPrintable(loop.report()));
+        const QString connecting = QStringLiteral("Connecting to ") +
+                                   FtpAddress::fromServerField(bad.server()).shown() +
+                                   QStringLiteral("...");
+        QCOMPARE(waits.filter(QStringLiteral("Connecting to ")).first(), connecting);
+        QCOMPARE(m_fx->ui.messages.size(), 1);
+        if (fault.atLogin) {
+            // One attempt, and the page's verdict; nothing written.
+            QCOMPARE(waits.filter(QStringLiteral("Connecting to ")).size(), 1);
+            QCOMPARE(m_fx->ui.messages.first().text,
+                     QStringLiteral("Connection was unsuccessful! Verify the Server name, user "
+                                    "ID and password"));
+            QVERIFY(!HasSetting(QStringLiteral("Server")));
+        } else {
+            // The login works, the search finds no listing to look into.
+            QVERIFY(m_fx->ui.messages.first().text.startsWith(
+                QStringLiteral("Connection was successful! However, the configuration of your "
+                               "root direct was unsuccessful.")));
+        }
+        // Ready for the next try.
+        QVERIFY(!m_fx->ftp->IsConnected());
+        QVERIFY(m_page->findChild<QPushButton *>(QStringLiteral("TestConnectButton"))->isEnabled());
+        QVERIFY(!m_page->CancelTestButton()->isEnabled());
+        QVERIFY(m_page->Label4()->text().isEmpty());
+        QVERIFY(m_page->WaitLabel()->text().isEmpty());
+    }
+
+    void cancelEndsTheTest_data()
+    {
+        QTest::addColumn<ServerFault>("fault");
+        for (const auto &[name, fault] : ServerFaults()) {
+            if (fault.waits)
+                QTest::newRow(name) << fault;
+        }
+    }
+
+    void cancelEndsTheTest()
+    {
+        QFETCH(ServerFault, fault);
+        SetServerLimits(QStringLiteral("600"));
+        FtpTestServer::Options options;
+        options.faults = {fault.fault};
+        FtpTestServer bad(options);
+        QVERIFY2(bad.start(), qPrintable(bad.errorString()));
+        QStringList values = accountValues();
+        values[0] = bad.server();
+        fill(values);
+        const QString waitFor = fault.atLogin ? QStringLiteral("Connecting to ")
+                                              : QStringLiteral("Waiting for ");
+        QObject scope;
+        bool pressed = false;
+        QObject::connect(&m_tab->waitNotice(), &WaitNotice::shown, &scope,
+                         [&](const QString &text) {
+                             if (pressed || !text.startsWith(waitFor))
+                                 return;
+                             pressed = true;
+                             QTimer::singleShot(50, &scope,
+                                                [this] { m_page->CancelTestButton()->click(); });
+                         });
+        LoopTurns loop;
+        click("TestConnectButton");
+        loop.stop();
+        QVERIFY(pressed);
+        QVERIFY2(loop.servedThroughout(), qPrintable(loop.report()));
+        // No verdict; the page is ready for another try.
+        QVERIFY(m_fx->ui.messages.isEmpty());
+        QVERIFY(!m_fx->ftp->IsConnected());
+        QVERIFY(m_page->findChild<QPushButton *>(QStringLiteral("TestConnectButton"))->isEnabled());
+        QVERIFY(!m_page->CancelTestButton()->isEnabled());
+        QVERIFY(m_page->WaitLabel()->text().isEmpty());
+        // And the right account then passes the test.
+        fill(accountValues());
+        SetServerLimits(QStringLiteral("20"));
+        click("TestConnectButton");
+        QCOMPARE(m_fx->ui.messages.size(), 1);
+        QVERIFY(m_fx->ui.messages.first().text.startsWith(
+            QStringLiteral("Connection was successful!")));
+    }
 
     void loadCopiesTheWindowsFields()
     {

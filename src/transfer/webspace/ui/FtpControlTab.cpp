@@ -4,6 +4,7 @@
 #include "DirectoryName.h"
 #include "JobState.h"
 #include "Settings.h"
+#include "WaitNotice.h"
 #include "cFTP.h"
 #include "frmMain.h"
 
@@ -22,6 +23,8 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStatusBar>
+
+#include <functional>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -36,12 +39,38 @@ QPushButton *makeButton(const QString &name, const QString &caption, QWidget *pa
 
 } // namespace
 
+std::function<void()> FtpControlTab::guarded(void (FtpControlTab::*command)())
+{
+    return [this, command] {
+        if (!startCommand())
+            return;
+        (this->*command)();
+        endCommand();
+    };
+}
+
+bool FtpControlTab::startCommand()
+{
+    if (m_running)
+        return false;
+    m_running = true;
+    // A wait cancelled by an earlier command does not stop this one.
+    m_ftp.ClearCancel();
+    return true;
+}
+
+void FtpControlTab::endCommand()
+{
+    m_running = false;
+}
+
 FtpControlTab::FtpControlTab(frmMain &window, cFTP &ftp, JobUi &ui, TransferUi &progress,
                              QWidget *parent)
     : QWidget(parent), m_window(window), m_ftp(ftp), m_ui(ui), m_progress(progress),
       m_state(window.state())
 {
     setObjectName(QStringLiteral("FtpControlTab"));
+    m_wait = new WaitNotice(m_ftp, m_state, m_window.statusBar(), this);
     buildLayout();
     connectFields();
     EnableFTPButtons(false);
@@ -96,8 +125,8 @@ QWidget *FtpControlTab::buildAccountBox()
     layout->addLayout(buttons);
     layout->addWidget(m_advancedButton);
 
-    connect(m_cmdConnect, &QPushButton::clicked, this, &FtpControlTab::cmdConnect_Click);
-    connect(m_cmdDisconnect, &QPushButton::clicked, this, &FtpControlTab::cmdDisconnect_Click);
+    connect(m_cmdConnect, &QPushButton::clicked, this, guarded(&FtpControlTab::cmdConnect_Click));
+    connect(m_cmdDisconnect, &QPushButton::clicked, this, guarded(&FtpControlTab::cmdDisconnect_Click));
     connect(m_advancedButton, &QPushButton::clicked, this, [this] { m_advanced->show(); });
     m_window.placeRing(14, m_cmdConnect);
     return box;
@@ -166,8 +195,12 @@ QWidget *FtpControlTab::buildBrowser()
     m_lv->setColumnWidth(2, 90);
     m_lv->setColumnWidth(3, 150);
     layout->addWidget(m_lv, 1);
-    connect(m_lv, &QTreeWidget::itemDoubleClicked, this,
-            [this](QTreeWidgetItem *item) { lv_My_DblClick(item); });
+    connect(m_lv, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem *item) {
+        if (!startCommand())
+            return;
+        lv_My_DblClick(item);
+        endCommand();
+    });
 
     auto *commands = new QWidget(box);
     commands->setObjectName(QStringLiteral("FtpCommands"));
@@ -201,19 +234,19 @@ QWidget *FtpControlTab::buildBrowser()
     layout->addWidget(commands);
     m_window.placeRing(16, commands);
 
-    connect(m_cmdUpload, &QPushButton::clicked, this, &FtpControlTab::cmdUpload_Click);
-    connect(m_cmdDownload, &QPushButton::clicked, this, &FtpControlTab::cmdDownload_Click);
-    connect(m_cmdCreateDir, &QPushButton::clicked, this, &FtpControlTab::cmdCreateDir_Click);
-    connect(m_cmdRename, &QPushButton::clicked, this, &FtpControlTab::cmdRename_Click);
-    connect(m_cmdDelete, &QPushButton::clicked, this, &FtpControlTab::cmdDelete_Click);
-    connect(m_cmdDeleteAll, &QPushButton::clicked, this, &FtpControlTab::cmdDeleteAll_Click);
+    connect(m_cmdUpload, &QPushButton::clicked, this, guarded(&FtpControlTab::cmdUpload_Click));
+    connect(m_cmdDownload, &QPushButton::clicked, this, guarded(&FtpControlTab::cmdDownload_Click));
+    connect(m_cmdCreateDir, &QPushButton::clicked, this, guarded(&FtpControlTab::cmdCreateDir_Click));
+    connect(m_cmdRename, &QPushButton::clicked, this, guarded(&FtpControlTab::cmdRename_Click));
+    connect(m_cmdDelete, &QPushButton::clicked, this, guarded(&FtpControlTab::cmdDelete_Click));
+    connect(m_cmdDeleteAll, &QPushButton::clicked, this, guarded(&FtpControlTab::cmdDeleteAll_Click));
     connect(m_delSelectionButton, &QPushButton::clicked, this,
-            &FtpControlTab::DelSelectionButton_Click);
-    connect(m_cmdRefresh, &QPushButton::clicked, this, &FtpControlTab::ReloadFTPList);
-    connect(m_refreshButton, &QPushButton::clicked, this, &FtpControlTab::ReloadFTPList);
-    connect(m_upDirButton, &QPushButton::clicked, this, &FtpControlTab::UpDirButton_Click);
+            guarded(&FtpControlTab::DelSelectionButton_Click));
+    connect(m_cmdRefresh, &QPushButton::clicked, this, guarded(&FtpControlTab::ReloadFTPList));
+    connect(m_refreshButton, &QPushButton::clicked, this, guarded(&FtpControlTab::ReloadFTPList));
+    connect(m_upDirButton, &QPushButton::clicked, this, guarded(&FtpControlTab::UpDirButton_Click));
     connect(m_pointerButton, &QPushButton::clicked, this,
-            &FtpControlTab::MakeFilePointerStdButton_Click);
+            guarded(&FtpControlTab::MakeFilePointerStdButton_Click));
     return box;
 }
 
@@ -261,7 +294,7 @@ QFrame *FtpControlTab::buildAdvancedFrame()
     buttons->addWidget(m_advancedDoneButton);
     layout->addLayout(buttons);
 
-    connect(m_searchButton, &QPushButton::clicked, this, &FtpControlTab::SearchForRootButton_Click);
+    connect(m_searchButton, &QPushButton::clicked, this, guarded(&FtpControlTab::SearchForRootButton_Click));
     connect(m_advancedDoneButton, &QPushButton::clicked, m_advanced, &QFrame::hide);
     return m_advanced;
 }

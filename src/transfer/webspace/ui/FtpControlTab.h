@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include <array>
+#include <functional>
 
 class QCheckBox;
 class QFrame;
@@ -17,6 +18,7 @@ class QRadioButton;
 class QTreeWidget;
 class QTreeWidgetItem;
 class TransferUi;
+class WaitNotice;
 class cFTP;
 class JobUi;
 class frmMain;
@@ -29,6 +31,11 @@ struct JobState;
 // The connection fields are the main window's own controls (it fills them at start-up); the tab
 // gives them their place and writes each key as it is typed. Commands report failures with the
 // session's last error text and leave the listing as it was; none closes the connection.
+//
+// Every wait on the server shows in the window's status bar with a Cancel beside it (the tab's
+// WaitNotice). A command that the user cancelled says nothing more; a cancelled Connect leaves
+// the tab disconnected, ready for the next try. While a command runs, another press of the
+// tab's buttons is ignored.
 class FtpControlTab final : public QWidget, public TransferWindow
 {
     Q_OBJECT
@@ -85,6 +92,8 @@ public:
     QTreeWidget *lv() const { return m_lv; }
     QFrame *AdvanceSettingFrame() const { return m_advanced; }
     cFTP &ftp() const { return m_ftp; }
+    // What the program waits for on the server, with its Cancel (the status bar's).
+    WaitNotice &waitNotice() const { return *m_wait; }
     JobUi &jobUi() const { return m_ui; }
     frmMain &window() const { return m_window; }
     bool isConnected() const { return m_connected; }
@@ -102,6 +111,12 @@ private:
     void changeDirectory(const QString &path);
     void showConnectedStatus();
     bool eventFilter(QObject *watched, QEvent *event) override;
+    // Runs one command of the tab unless another is running (a press during a wait).
+    bool startCommand();
+    void endCommand();
+    std::function<void()> guarded(void (FtpControlTab::*command)());
+    bool waitCancelled() const;
+    void showFailure(const QString &title);
 
     frmMain &m_window;
     cFTP &m_ftp;
@@ -110,6 +125,8 @@ private:
     JobState &m_state;
     bool m_connected = false;
     bool m_rootFound = false;
+    bool m_running = false;
+    WaitNotice *m_wait = nullptr;
     std::function<QString(const QString &)> m_downloadChooser;
 
     QPushButton *m_cmdConnect = nullptr, *m_cmdDisconnect = nullptr;

@@ -6,6 +6,7 @@
 #include "JobState.h"
 #include "JobUi.h"
 #include "Settings.h"
+#include "WaitNotice.h"
 #include "cFTP.h"
 #include "frmMain.h"
 
@@ -89,30 +90,60 @@ void FtpControlTab::showConnectedStatus()
     m_window.statusBar()->showMessage(text);
 }
 
+bool FtpControlTab::waitCancelled() const
+{
+    return m_wait->cancelled();
+}
+
+void FtpControlTab::showFailure(const QString &title)
+{
+    // The user who pressed Cancel knows why the command ended.
+    if (waitCancelled())
+        return;
+    m_ui.Message(m_ftp.GetLastErrorMessage(), title, JobUi::Buttons::Ok, JobUi::Icon::Warning);
+}
+
 void FtpControlTab::cmdConnect_Click()
 {
     if (m_window.RunWithoutMenu()->isChecked())
         return;
     JobUi &ui = m_ui;
-    if (!m_ftp.OpenConnection(m_window.txtServer()->text(), m_window.txtUser()->text(),
-                              m_window.txtPassword()->text())) {
-        ui.Message(m_ftp.GetLastErrorMessage(), QStringLiteral("error"), JobUi::Buttons::Ok,
-                   JobUi::Icon::Critical);
+    // A cancelled Connect leaves the tab as before it, ready for the next try.
+    const auto cancelled = [this] {
+        if (!waitCancelled())
+            return false;
+        cmdDisconnect_Click();
+        return true;
+    };
+    m_cmdConnect->setEnabled(false);
+    const bool opened = m_ftp.OpenConnection(
+        m_window.txtServer()->text(), m_window.txtUser()->text(), m_window.txtPassword()->text());
+    m_cmdConnect->setEnabled(true);
+    if (!opened) {
+        if (!waitCancelled())
+            ui.Message(m_ftp.GetLastErrorMessage(), QStringLiteral("error"), JobUi::Buttons::Ok,
+                       JobUi::Icon::Critical);
         return;
     }
     m_connected = true;
     m_ftp.SetFTPDirectory(QStringLiteral("/"));
     ReloadFTPList();
+    if (cancelled())
+        return;
     m_ftp.SetFTPDirectory(m_window.FTPRoot()->text());
     showConnectedStatus();
 
     ReloadFTPList();
     showUploadPath(m_ftp.CurrentDirectory());
+    if (cancelled())
+        return;
 
     const QString clientRoot = m_window.ClientRoot()->text().trimmed();
     if (!clientRoot.isEmpty()) {
         TransferContext context = transferContext();
         EnsureFTPDirectory(context, clientRoot);
+        if (cancelled())
+            return;
     }
 
     EnableFTPButtons(true);
@@ -196,6 +227,8 @@ void FtpControlTab::cmdDownload_Click()
         return;
     TransferContext context = transferContext();
     DownloadFileToFTP(context, local, name);
+    // The download is a job of its own: its connection ends with it.
+    m_ftp.Transfers().Close();
 }
 
 void FtpControlTab::cmdUpload_Click()
@@ -276,6 +309,8 @@ void FtpControlTab::uploadFiles(const QString &baseFolder, const QStringList &fi
 
     ui.SetStatusText(QStringLiteral("Creating Directories"));
     for (const QString &directory : directories) {
+        if (m_state.skipped() || m_state.UploadCancelled)
+            break;
         const QStringList levels = directory.split(QLatin1Char('/'), Qt::SkipEmptyParts);
         for (const QString &level : levels) {
             // A level made by an earlier file is simply entered.
@@ -289,6 +324,8 @@ void FtpControlTab::uploadFiles(const QString &baseFolder, const QStringList &fi
 
     ui.SetStatusText(QStringLiteral("Sending files"));
     for (qsizetype i = 0; i < files.size(); ++i) {
+        if (m_state.skipped() || m_state.UploadCancelled)
+            break;
         const QString &directory = fileDirectories.at(i);
         QString remote = start;
         if (!directory.isEmpty())
@@ -304,6 +341,8 @@ void FtpControlTab::uploadFiles(const QString &baseFolder, const QStringList &fi
     }
     // The cancel has done its work: a later press of Cancel must be seen as a new one.
     m_state.UploadCancelled = false;
+    // The files went over one connection, which ends with the upload.
+    m_ftp.Transfers().Close();
 
     m_ftp.SetFTPDirectory(start);
     ReloadFTPList();
@@ -324,8 +363,7 @@ void FtpControlTab::cmdCreateDir_Click()
                        QStringLiteral(" was successfully created."),
                    QStringLiteral("Tarnwick"));
     else
-        ui.Message(m_ftp.GetLastErrorMessage(), QStringLiteral("Tarnwick"), JobUi::Buttons::Ok,
-                   JobUi::Icon::Warning);
+        showFailure(QStringLiteral("Tarnwick"));
     ReloadFTPList();
 }
 
@@ -343,8 +381,7 @@ void FtpControlTab::cmdRename_Click()
     if (m_ftp.RenameFTPFile(oldName, newName))
         ui.Message(QStringLiteral("File was successfully renamed"), QStringLiteral("Tarnwick"));
     else
-        ui.Message(m_ftp.GetLastErrorMessage(), QStringLiteral("Tarnwick"), JobUi::Buttons::Ok,
-                   JobUi::Icon::Warning);
+        showFailure(QStringLiteral("Tarnwick"));
     ReloadFTPList();
 }
 
@@ -356,8 +393,7 @@ bool FtpControlTab::deleteEntry(const QString &name)
     const bool done = entry->isDirectory() ? m_ftp.RemoveFTPDirectory(entry->Name)
                                            : m_ftp.DeleteFTPFile(entry->Name);
     if (!done)
-        m_ui.Message(m_ftp.GetLastErrorMessage(), QStringLiteral("Delete?"), JobUi::Buttons::Ok,
-                     JobUi::Icon::Warning);
+        showFailure(QStringLiteral("Delete?"));
     return done;
 }
 
@@ -385,8 +421,11 @@ void FtpControlTab::cmdDeleteAll_Click()
     QStringList names;
     for (int i = 1; i < m_lv->topLevelItemCount(); ++i)
         names.append(m_lv->topLevelItem(i)->text(0));
-    for (const QString &name : names)
+    for (const QString &name : names) {
         deleteEntry(name);
+        if (waitCancelled())
+            break;
+    }
     ReloadFTPList();
 }
 
@@ -407,8 +446,11 @@ void FtpControlTab::DelSelectionButton_Click()
     if (m_ui.Message(question, QStringLiteral("Delete?"), JobUi::Buttons::YesNo,
                      JobUi::Icon::Question) != JobUi::Answer::Yes)
         return;
-    for (const QString &name : names)
+    for (const QString &name : names) {
         deleteEntry(name);
+        if (waitCancelled())
+            break;
+    }
     ReloadFTPList();
 }
 

@@ -2,10 +2,10 @@
 
 #include "JobUi.h"
 #include "Settings.h"
+#include "WaitNotice.h"
 #include "cFTP.h"
 #include "frmMain.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QCoreApplication>
 #include <QFrame>
@@ -21,6 +21,13 @@ public:
     TabSearchHost(FtpControlTab &tab, cFTP &ftp, QLabel *label4)
         : m_tab(tab), m_ftp(ftp), m_label4(label4)
     {
+    }
+
+    static QString countText(int lookedAt, int found)
+    {
+        return QStringLiteral("Searching for the FTP root: %1 of %2 directories looked at")
+            .arg(lookedAt)
+            .arg(found);
     }
 
     bool SetFTPDirectory(const QString &path) override { return m_ftp.SetFTPDirectory(path); }
@@ -40,22 +47,17 @@ public:
         if (m_label4)
             m_label4->setText(name);
     }
+    void ShowSearchCount(int lookedAt, int found) override
+    {
+        m_tab.waitNotice().setText(countText(lookedAt, found));
+    }
     void ProcessEvents() override { QCoreApplication::processEvents(); }
+    bool Cancelled() override { return m_tab.waitNotice().cancelled(); }
 
 private:
     FtpControlTab &m_tab;
     cFTP &m_ftp;
     QLabel *m_label4;
-};
-
-// The hourglass for as long as the walk runs.
-class BusyCursor
-{
-public:
-    BusyCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~BusyCursor() { QApplication::restoreOverrideCursor(); }
-    BusyCursor(const BusyCursor &) = delete;
-    BusyCursor &operator=(const BusyCursor &) = delete;
 };
 
 } // namespace
@@ -82,19 +84,23 @@ bool FtpControlTab::SearchForRoot(bool quiet, QLabel *label4)
     JobUi &ui = m_ui;
     m_advanced->hide();
     RootSearchResult result;
-    bool connected = false;
-    {
-        BusyCursor busy;
-        cmdDisconnect_Click();
-        connected = m_ftp.OpenConnection(m_window.txtServer()->text(), m_window.txtUser()->text(),
-                                         m_window.txtPassword()->text());
-        if (connected) {
-            TabSearchHost host(*this, m_ftp, label4);
-            RootSearch search(host, rootSearchOptions());
-            result = search.run();
-        }
+    // The walk waits on the server many times: the status bar shows its count moving, with
+    // the hourglass and Cancel, for as long as it runs.
+    m_wait->hold(TabSearchHost::countText(0, 1));
+    cmdDisconnect_Click();
+    const bool connected = m_ftp.OpenConnection(
+        m_window.txtServer()->text(), m_window.txtUser()->text(), m_window.txtPassword()->text());
+    if (connected) {
+        TabSearchHost host(*this, m_ftp, label4);
+        RootSearch search(host, rootSearchOptions());
+        result = search.run();
     }
-    if (!connected) {
+    const bool cancelled = m_wait->cancelled();
+    m_wait->release();
+    if (cancelled) {
+        // Stopped by the user: nothing found, nothing said.
+        m_rootFound = false;
+    } else if (!connected) {
         ui.Message(QStringLiteral("Failed to connect."), QStringLiteral("Tarnwick"),
                    JobUi::Buttons::Ok, JobUi::Icon::Warning);
         m_rootFound = false;

@@ -7,6 +7,7 @@
 #include "JobUi.h"
 #include "LocalWebSpace.h"
 #include "Settings.h"
+#include "WaitNotice.h"
 #include "cFTP.h"
 #include "frmMain.h"
 
@@ -91,8 +92,18 @@ StartupPage::StartupPage(frmMain &window, FtpControlTab &tab, QWidget *parent)
     m_label4->setMinimumHeight(m_label4->fontMetrics().height() * 2);
     m_label4->setWordWrap(true);
 
+    m_waitLabel = new QLabel(this);
+    m_waitLabel->setObjectName(QStringLiteral("WaitLabel"));
+    m_waitLabel->setWordWrap(true);
+
     m_testButton = new QPushButton(QStringLiteral("Test Connection"), this);
     m_testButton->setObjectName(QStringLiteral("TestConnectButton"));
+    m_cancelTestButton = new QPushButton(tr("Cancel"), this);
+    m_cancelTestButton->setObjectName(QStringLiteral("CancelTestButton"));
+    m_cancelTestButton->setToolTip(tr("Stop the connection test"));
+    m_cancelTestButton->setCursor(Qt::PointingHandCursor);
+    m_cancelTestButton->setAutoDefault(false);
+    m_cancelTestButton->setEnabled(false);
     m_okButton = new QPushButton(QStringLiteral("OK"), this);
     m_okButton->setObjectName(QStringLiteral("Command1"));
     m_helpButton = new QPushButton(tr("Help"), this);
@@ -111,12 +122,14 @@ StartupPage::StartupPage(frmMain &window, FtpControlTab &tab, QWidget *parent)
     buttons->addWidget(m_tryButton);
     buttons->addStretch(1);
     buttons->addWidget(m_testButton);
+    buttons->addWidget(m_cancelTestButton);
     buttons->addWidget(m_okButton);
 
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_label3);
     layout->addLayout(form);
     layout->addWidget(m_label4);
+    layout->addWidget(m_waitLabel);
     layout->addLayout(buttons);
 
     m_timer1 = new QTimer(this);
@@ -125,6 +138,12 @@ StartupPage::StartupPage(frmMain &window, FtpControlTab &tab, QWidget *parent)
     connect(m_timer1, &QTimer::timeout, this, &StartupPage::Timer1_Timer);
 
     connect(m_testButton, &QPushButton::clicked, this, &StartupPage::TestConnectButton_Click);
+    connect(m_cancelTestButton, &QPushButton::clicked, this,
+            [this] { m_tab.waitNotice().cancel(); });
+    // What the test waits for shows on the page, which covers the window's status bar.
+    connect(&m_tab.waitNotice(), &WaitNotice::shown, this,
+            [this](const QString &text) { m_waitLabel->setText(text); });
+    connect(&m_tab.waitNotice(), &WaitNotice::hidden, m_waitLabel, &QLabel::clear);
     connect(m_okButton, &QPushButton::clicked, this, &StartupPage::Command1_Click);
     connect(m_tryButton, &QPushButton::clicked, this, &StartupPage::TryItHereButton_Click);
     connect(m_helpButton, &QPushButton::clicked, this, [this] { m_window.HelpButton_Click(); });
@@ -166,12 +185,23 @@ void StartupPage::Timer1_Timer()
 
 void StartupPage::TestConnectButton_Click()
 {
+    if (m_testing)
+        return;
+    m_testing = true;
     JobUi &ui = m_tab.jobUi();
+    WaitNotice &wait = m_tab.waitNotice();
     m_label4->setText(QStringLiteral("Checking for connection."));
+    m_testButton->setEnabled(false);
+    m_cancelTestButton->setEnabled(true);
     QCoreApplication::processEvents();
     m_timer1->stop();
+    wait.hold(QStringLiteral("Checking for connection."));
 
-    if (m_ftp.OpenConnection(m_values[1]->text(), m_values[3]->text(), m_values[4]->text())) {
+    const bool connected =
+        m_ftp.OpenConnection(m_values[1]->text(), m_values[3]->text(), m_values[4]->text());
+    if (wait.cancelled()) {
+        // Stopped by the user: no verdict.
+    } else if (connected) {
         const QString server = m_values[1]->text().trimmed();
         const QString user = m_values[3]->text().trimmed();
         m_window.txtServer()->setText(server);
@@ -182,7 +212,10 @@ void StartupPage::TestConnectButton_Click()
         m_ftp.SetFTPDirectory(QStringLiteral("/"));
         m_label4->setText(QStringLiteral("Connection was successful. Looking for configuration."));
         QCoreApplication::processEvents();
-        if (m_tab.SearchForRoot(true, m_label4)) {
+        const bool found = m_tab.SearchForRoot(true, m_label4);
+        if (wait.cancelled()) {
+            // Stopped by the user during the search: no verdict.
+        } else if (found) {
             ui.Message(QStringLiteral("Connection was successful! You are ready to proceed."),
                        QStringLiteral("Tarnwick"));
         } else {
@@ -197,9 +230,13 @@ void StartupPage::TestConnectButton_Click()
                                   "and password"),
                    QStringLiteral("Tarnwick"), JobUi::Buttons::Ok, JobUi::Icon::Warning);
     }
+    wait.release();
     m_label4->clear();
     m_ftp.CloseConnection();
+    m_cancelTestButton->setEnabled(false);
+    m_testButton->setEnabled(true);
     m_timer1->start();
+    m_testing = false;
 }
 
 void StartupPage::TryItHereButton_Click()

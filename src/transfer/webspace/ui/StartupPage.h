@@ -22,6 +22,10 @@ class frmMain;
 // author and the special directory (ClientRoot). OK (Command1) writes them all; closing the page
 // with any of the first six blank ends the program.
 //
+// While the test waits on the server, WaitLabel says what it waits for (the connection, then
+// the root search's count) and CancelTestButton beside Test Connection ends the test at once,
+// without a message, leaving the page ready for another try.
+//
 // TryItHereButton, for a user without a web space at hand, starts a web space on this computer
 // (LocalWebSpace) and fills the account fields with it.
 class StartupPage final : public QDialog
@@ -43,6 +47,8 @@ public:
 
     QLineEdit *SettingValue(int index) const;
     QLabel *Label4() const { return m_label4; }
+    QLabel *WaitLabel() const { return m_waitLabel; }
+    QPushButton *CancelTestButton() const { return m_cancelTestButton; }
 
     // What closing the page with a blank required field does; ends the program by default.
     void setProgramEnd(std::function<void()> end);
@@ -59,6 +65,9 @@ private:
     cFTP &m_ftp;
     std::array<QLineEdit *, 8> m_values{}; // 1..7 used
     QPushButton *m_testButton = nullptr;
+    QPushButton *m_cancelTestButton = nullptr;
+    QLabel *m_waitLabel = nullptr;
+    bool m_testing = false;
     QPushButton *m_okButton = nullptr;
     QPushButton *m_helpButton = nullptr;
     QPushButton *m_tryButton = nullptr;

@@ -1,0 +1,59 @@
+#include "TransferSession.h"
+
+TransferSession::~TransferSession() = default;
+
+FtpConnection &TransferSession::For(const FtpAddress &address, const QString &user,
+                                    const QString &password)
+{
+    // A connection in use is never replaced under its request; a second request on it is
+    // refused there (12019).
+    if (m_connection && m_connection->busy())
+        return *m_connection;
+    const bool same = m_connection && m_server == address.host && m_port == address.port &&
+                      m_user == user && m_password == password;
+    if (!same) {
+        Close();
+        if (m_connection)
+            m_earlierLogins += m_connection->logins();
+        m_connection = std::make_unique<FtpConnection>(address, user, password);
+        m_server = address.host;
+        m_port = address.port;
+        m_user = user;
+        m_password = password;
+        m_connection->onWaitStarted = [this](const QString &text) {
+            if (onWaitStarted)
+                onWaitStarted(text);
+        };
+        m_connection->onWaitEnded = [this] {
+            if (onWaitEnded)
+                onWaitEnded();
+        };
+    }
+    return *m_connection;
+}
+
+void TransferSession::Close()
+{
+    if (m_connection && !m_connection->busy())
+        m_connection->close();
+}
+
+void TransferSession::Cancel()
+{
+    if (m_connection)
+        m_connection->cancel();
+}
+
+void TransferSession::Unhook()
+{
+    if (!m_connection)
+        return;
+    m_connection->cancelRequested = nullptr;
+    m_connection->onOpenSocket = nullptr;
+    m_connection->onLibraryText = nullptr;
+}
+
+int TransferSession::Logins() const
+{
+    return m_earlierLogins + (m_connection ? m_connection->logins() : 0);
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "FtpConnection.h"
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+// The transfer engine's connection of one job. The files of a job go over it one after another,
+// beside cFTP's own connection for the directory work, so that a job logs in once for all its
+// files. A new connection is made when none is open, when the account changes, and after one
+// that failed or was dropped; the job closes it at its end (cFTP::CloseConnection does, as does
+// the start of the next job).
+class TransferSession final
+{
+public:
+    TransferSession() = default;
+    ~TransferSession();
+    TransferSession(const TransferSession &) = delete;
+    TransferSession &operator=(const TransferSession &) = delete;
+
+    // The connection for this account: the kept one when it is for the same server, user and
+    // password, else a new one, which logs in at its first request.
+    FtpConnection &For(const FtpAddress &address, const QString &user, const QString &password);
+    // A logged-in connection is kept.
+    bool IsOpen() const { return m_connection && m_connection->isOpen(); }
+    // Ends the kept connection (QUIT while the server answers). Safe to call at any time.
+    void Close();
+    // Stops the request in flight, if any.
+    void Cancel();
+    // Forgets the cancel check and the status hooks a user of the kept connection set on it,
+    // for a user that goes while the connection stays.
+    void Unhook();
+    // Logins made through this session so far (over every connection it has had).
+    int Logins() const;
+
+    // Told of waits that the user should hear of (see FtpConnection::onWaitStarted).
+    std::function<void(const QString &text)> onWaitStarted;
+    std::function<void()> onWaitEnded;
+
+private:
+    std::unique_ptr<FtpConnection> m_connection;
+    QString m_server;
+    int m_port = 0;
+    QString m_user;
+    QString m_password;
+    int m_earlierLogins = 0;
+};
