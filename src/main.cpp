@@ -1,6 +1,7 @@
 #include "JobState.h"
 #include "PaintInstall.h"
 #include "PhotoBuildInstall.h"
+#include "PortalInstall.h"
 #include "WebLogInstall.h"
 #include "WebSpaceInstall.h"
 #include "cFTP.h"
@@ -34,6 +35,7 @@ int main(int argc, char *argv[])
     InstallPaint(window);
     InstallPhotoPage(window, webSpace);
     InstallWebLog(window, webSpace);
+    InstallPortal(window, webSpace);
 
     window.Load();
     // The session transfers in binary; the mode flag says active, while the data connections
