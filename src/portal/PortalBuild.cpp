@@ -154,8 +154,9 @@ PortalPageResult BuildPortalPage(const QString &folder, TemplateState &state, Pa
                 result.unreadLinks << CategoryName(categories.at(c)) + QLatin1Char('/') + name;
                 continue;
             }
-            state.link.LinkName =
-                current.LinkName.isEmpty() ? name.left(name.size() - 4) : current.LinkName;
+            // The page shows the name as it was typed: the escapes of the record undone.
+            state.link.LinkName = current.LinkName.isEmpty() ? name.left(name.size() - 4)
+                                                             : DecodeRecordText(current.LinkName);
             state.link.URLName = current.URLName;
             state.link.Bullet = QString::number(current.Bullet);
             templates.walk(Link, page, state);

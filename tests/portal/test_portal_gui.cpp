@@ -167,7 +167,8 @@ private slots:
             {"Family", "Recipes", "https://recipes.example.org/?sort=new&tag=soup", 13},
             {"Family", "Calendar", "https://calendar.example.org/", 0},
         };
-        for (const QString &category : {"Music", "Shops", "Family"}) {
+        for (const char *name : {"Music", "Shops", "Family"}) {
+            const QString category = QString::fromLatin1(name);
             driver.answers.enqueue(category);
             button(frame, "AddNewCatButton")->click();
             QCOMPARE(frame->File11()->currentItem()->text(), category + ".Cat");
@@ -188,9 +189,9 @@ private slots:
         QCOMPARE(frame->File11()->count(), 9);
         QVERIFY(driver.messages.isEmpty());
         button(frame, "SearchLogoButton")->click();
-        frame->SULogoH()->setFocus();
-        frame->SULogoH()->setText("60");
-        frame->File11()->setFocus();
+        frame->SULogoH()->selectAll();
+        QTest::keyClicks(frame->SULogoH(), "60");
+        QTest::keyClick(frame->SULogoH(), Qt::Key_Return);
         QCOMPARE(GetSetting(SettingKey::LogoPointerWidth), QString("180"));
         shot(&window, "portal-tab.png");
 
@@ -234,7 +235,12 @@ private slots:
             }
         }
         QCOMPARE(onPage.size(), stored);
-        QVERIFY(onPage.contains({"Jazz|4 Blues and Soul", "https://jazz.example.org/"}));
+        bool jazz = false;
+        for (const auto &shown : onPage)
+            jazz =
+                jazz || (shown.first.startsWith("Jazz") && shown.first.endsWith("Blues and Soul") &&
+                         shown.second == "https://jazz.example.org/");
+        QVERIFY(jazz);
         QVERIFY(onPage.contains({"wwwbakeryexample", "https://www.bakery.example/"}));
         QVERIFY(onPage.contains(
             {"Cheese", "https://shop.example.de/k%C3%A4se/suche?q=Bergk%C3%A4se&seite=2"}));

@@ -252,13 +252,13 @@ private slots:
         QVERIFY(writeBytes(startup("Odd/Far.ptr"),
                            "LinkName = Far\r\nURLName = http://far/\r\nBullet = 42\r\n\r\n"));
         const QString html = buildPage();
-        QCOMPARE(pageLinks(html),
-                 (QList<QPair<QString, QString>>{
-                     {"Cut", "http://cut.exa"}, {"Far", "http://far/"}, {"Junk", ""}}));
+        // A link without an address has nothing to lead to: its line is left out.
+        QCOMPARE(pageLinks(html), (QList<QPair<QString, QString>>{{"Cut", "http://cut.exa"},
+                                                                  {"Far", "http://far/"}}));
         // Every bullet the page names is one that exists beside it.
         for (const QString &bullet : pageBullets(html))
             QVERIFY2(QFileInfo(startup(bullet)).isFile(), qPrintable(bullet));
-        QCOMPARE(pageBullets(html), (QStringList{"Arrow9.gif", "Arrow9.gif", "Arrow9.gif"}));
+        QCOMPARE(pageBullets(html), (QStringList{"Arrow9.gif", "Arrow9.gif"}));
         QCOMPARE(tidyErrors(startup("Portal.htm")), QString());
     }
 

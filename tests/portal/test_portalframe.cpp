@@ -14,6 +14,7 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
 
 using namespace BuildStartup;
@@ -84,8 +85,7 @@ private:
         box->setFocus();
         box->selectAll();
         QTest::keyClicks(box, text);
-        QTest::keyClick(box, Qt::Key_Tab);
-        box->clearFocus();
+        QTest::keyClick(box, Qt::Key_Return);
         QCoreApplication::processEvents();
     }
 
@@ -273,7 +273,7 @@ private slots:
         frame->DisplayLinkTxt()->setFocus();
         frame->DisplayLinkTxt()->selectAll();
         QTest::keyClick(frame->DisplayLinkTxt(), Qt::Key_Delete);
-        QTest::keyClick(frame->DisplayLinkTxt(), Qt::Key_Tab);
+        QTest::keyClick(frame->DisplayLinkTxt(), Qt::Key_Return);
         QCoreApplication::processEvents();
         QCOMPARE(QDir(startup("News")).entryList(QDir::Files), QStringList{"Paper.ptr"});
         QCOMPARE(readBytes(startup("News/Paper.ptr")), before);
@@ -324,7 +324,7 @@ private slots:
         QCOMPARE(frame->DisplayLinkTxt()->text(), QString());
         // Leaving the empty name box writes nothing; the junk stays as it was.
         frame->DisplayLinkTxt()->setFocus();
-        QTest::keyClick(frame->DisplayLinkTxt(), Qt::Key_Tab);
+        QTest::keyClick(frame->DisplayLinkTxt(), Qt::Key_Return);
         QCOMPARE(readBytes(startup("News/Junk.ptr")), junk);
         QCOMPARE(readBytes(startup("News/Cut.ptr")), QByteArray("LinkName = Cut\r\nURLNa"));
     }
@@ -387,13 +387,13 @@ private slots:
         QTemporaryDir pictures;
         QImage logo(300, 100, QImage::Format_RGB32);
         logo.fill(Qt::darkGreen);
-        QVERIFY(logo.save(pictures.filePath("logo.gif")));
+        QVERIFY(logo.save(pictures.filePath("logo.png")));
         frame->services().chooseLogo = [&](const QString &) {
-            return pictures.filePath("logo.gif");
+            return pictures.filePath("logo.png");
         };
         button("SearchLogoButton")->click();
-        QCOMPARE(frame->LogoTxt()->text(), pictures.filePath("logo.gif"));
-        QCOMPARE(GetSetting(SettingKey::LogoPointer), pictures.filePath("logo.gif"));
+        QCOMPARE(frame->LogoTxt()->text(), pictures.filePath("logo.png"));
+        QCOMPARE(GetSetting(SettingKey::LogoPointer), pictures.filePath("logo.png"));
         QVERIFY(!frame->Image21()->pixmap().isNull());
         typeAndLeave(frame->SULogoH(), "60");
         QCOMPARE(GetSetting(SettingKey::LogoPointerHeight), QString("60"));
