@@ -1,7 +1,9 @@
 // Sizes every picture of a working folder as the photo page build does (CopyPhotos: an "Lrg_"
 // and an "Sml_" copy of each) and reports the wall time and the peak memory of the process.
+// With --from SOURCE, every picture of SOURCE is first put onto the working folder as the copy
+// button does (a HEIC, WebP, PNG or TIFF converted to a JPEG, one picture after the other).
 //
-//   tarnwick_photo_bench WORK TARGET [SMALL% LARGE% [THREADS]]
+//   tarnwick_photo_bench [--from SOURCE] WORK TARGET [SMALL% LARGE% [THREADS [QUALITY]]]
 
 #include "CopyPhotos.h"
 #include "JobState.h"
@@ -44,10 +46,15 @@ public:
 int main(int argc, char *argv[])
 {
     QCoreApplication app(argc, argv);
-    const QStringList args = app.arguments();
+    QStringList args = app.arguments();
+    QString from;
+    if (args.size() > 2 && args.at(1) == QStringLiteral("--from")) {
+        from = args.at(2);
+        args.remove(1, 2);
+    }
     if (args.size() < 3) {
-        QTextStream(stderr)
-            << "usage: tarnwick_photo_bench WORK TARGET [SMALL% LARGE% [THREADS]]\n";
+        QTextStream(stderr) << "usage: tarnwick_photo_bench [--from SOURCE] WORK TARGET "
+                               "[SMALL% LARGE% [THREADS [QUALITY]]]\n";
         return 2;
     }
     CopyPhotosInput input;
@@ -55,6 +62,8 @@ int main(int argc, char *argv[])
     input.My_resize_0 = args.value(3, QStringLiteral("15"));
     input.My_resize_1 = args.value(4, QStringLiteral("30"));
     input.threads = args.value(5, QStringLiteral("0")).toInt();
+    input.jpeg = JpegOptionsFor(args.value(6, QStringLiteral("100")));
+    QDir().mkpath(args.at(1));
     QDir().mkpath(args.at(2));
 
     ConsoleUi ui;
@@ -62,13 +71,28 @@ int main(int argc, char *argv[])
     PhotoPage page;
     QElapsedTimer timer;
     timer.start();
-    const bool ok = CopyPhotos(args.at(2), false, input, page, ui, state);
+    int failed = 0;
+    if (!from.isEmpty()) {
+        for (const QString &name : ListSourcePictureFiles(from)) {
+            const QString message = CopyToReadyListLive(
+                from + QLatin1Char('/') + name,
+                input.ChoosenUploadPath + QStringLiteral("/00050_") + ReadyListName(name));
+            if (!message.isEmpty()) {
+                QTextStream(stderr) << message << '\n';
+                ++failed;
+            }
+        }
+    }
+    const qint64 converted = timer.elapsed();
+    const bool ok = CopyPhotos(args.at(2), false, input, page, ui, state) && failed == 0;
     const qint64 elapsed = timer.elapsed();
 
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     QTextStream(stdout) << "pictures " << ListPictureFiles(input.ChoosenUploadPath).size()
-                        << " seconds " << QString::number(elapsed / 1000.0, 'f', 2) << " peak_mb "
+                        << " seconds " << QString::number(elapsed / 1000.0, 'f', 2)
+                        << " converting " << QString::number(converted / 1000.0, 'f', 2)
+                        << " peak_mb "
                         << QString::number(usage.ru_maxrss / 1024.0, 'f', 0) << " messages "
                         << ui.messages << '\n';
     return ok && ui.messages == 0 ? 0 : 1;

@@ -109,6 +109,22 @@ public:
         options.ChoosenUploadPath = m_work;
         return options;
     }
+    bool titlePrompt() const override { return false; }
+    bool filePrompt() const override { return false; }
+    bool skipImageInfo() const override { return false; }
+    bool runWithoutConnections() const override { return false; }
+    // No lists, pointers or caption: the bench has no photo frame.
+    void refreshReadyList() override {}
+    void refreshHistoryList() override {}
+    void refreshSourceList() override {}
+    void selectReadyRow(int, bool) override {}
+    void showThumbnail(const QString &) override {}
+    void setBusy(bool) override {}
+    void setCaption(const QString &) override {}
+    void shapeEvent(int) override {}
+    void DoCleanup() override {}
+    void setPagePointer(const QString &) override {}
+    void setThumbnailPointers(const QString &) override {}
     void showProgressFrame(bool show) override
     {
         if (m_window)

@@ -1,7 +1,9 @@
 #!/bin/sh
 # Renews docs/photo-page.png (1280 pixels wide) and docs/photo-page-phone.png (390 wide): the
 # default twelve-photo page that test_photo_page builds from the default templates, top to
-# bottom, in headless Chromium.
+# bottom, in headless Chromium; and docs/photo-page-viewer.png (1280 x 800) and
+# docs/photo-page-viewer-phone.png (390 x 844): the page's view of the larger copy, opened by a
+# click on the first photo.
 # Usage: tools/page-screenshots.sh [build folder]   (default: build; test_photo_page must be
 # built there: cmake --build BUILD --target test_photo_page)
 # Needs chromium (apt-get install -y chromium). PHOTOS=<folder> puts the .jpg pictures of that
@@ -38,5 +40,15 @@ shoot() {
     echo "$2: $1 x $height"
 }
 
+# viewer WIDTH HEIGHT FILE: the view over the page, opened as a click on the first photo does.
+viewer() {
+    sed -e 's|</body>|<script>addEventListener("load", () => document.querySelector(".photo a").click())</script></body>|' \
+        "$scratch/page/Photos.htm" > "$scratch/page/viewer.htm"
+    chrome --window-size="$1,$2" --screenshot="$3" "file://$scratch/page/viewer.htm" >/dev/null
+    echo "$3: $1 x $2, the view open"
+}
+
 shoot 1280 "$here/docs/photo-page.png"
 shoot 390 "$here/docs/photo-page-phone.png"
+viewer 1280 800 "$here/docs/photo-page-viewer.png"
+viewer 390 844 "$here/docs/photo-page-viewer-phone.png"

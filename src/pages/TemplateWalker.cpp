@@ -19,8 +19,10 @@ const QString EscapedMark = QStringLiteral("<|>");
 const QString Skip = QStringLiteral("!!Skip!!");
 const QString Trying = QStringLiteral("trying");
 
-// A line that keeps growing under replacements (a setting that holds its own placeholder)
-// would never end; past these bounds it counts as the run-time failure it would be.
+// A line that keeps growing under replacements (a setting, or a text whose marks lie beyond the
+// escape's bound, that holds its own placeholder) would never end; past these bounds it counts as
+// the run-time failure it would be. The work bound keeps such a line from copying itself ten
+// thousand times at a megabyte each before the other bounds are reached.
 constexpr qsizetype MaxLineLength = 1024 * 1024;
 constexpr int MaxTokensPerLine = 10000;
 
@@ -321,6 +323,7 @@ TemplateWalkResult FillTemplate(QTextStream &templateText, QTextStream &page, Te
                 from = closing + 2;
         }
         int tokens = 0;
+        qsizetype work = 0;
         for (;;) {
             const qsizetype start = line.indexOf(Mark, from);
             if (start < 0)
@@ -329,13 +332,16 @@ TemplateWalkResult FillTemplate(QTextStream &templateText, QTextStream &page, Te
             // Without a closing mark the token's length is 2 - (start + 1): nothing at the
             // second column, negative (a failure that ends the walk) anywhere further on.
             const qsizetype length = stop < 0 ? 1 - start : stop - start + 2;
-            if (length < 0 || ++tokens > MaxTokensPerLine || line.size() > MaxLineLength) {
+            const auto stopWalk = [&](const QString &error) {
                 result.complete = false;
-                result.error = length < 0 ? QStringLiteral("Invalid procedure call or argument")
-                                          : QStringLiteral("Out of string space");
+                result.error = error;
                 page.flush();
                 return result;
-            }
+            };
+            if (length < 0)
+                return stopWalk(QStringLiteral("Invalid procedure call or argument"));
+            if (++tokens > MaxTokensPerLine || line.size() > MaxLineLength)
+                return stopWalk(QStringLiteral("Out of string space"));
             const QString token = line.mid(start, length);
             replacement = GetActionData(token, state);
             if (replacement.isEmpty())
@@ -344,8 +350,12 @@ TemplateWalkResult FillTemplate(QTextStream &templateText, QTextStream &page, Te
                 replacement.clear();
                 break;
             }
+            work += line.size() - length + replacement.size();
+            if (work > TemplateWalkResult::MaxWorkPerLine)
+                return stopWalk(QStringLiteral("Out of string space"));
             line = line.left(start) + replacement + line.mid(stop + 2);
             from = start + 1;
+            result.charactersCopied += line.size();
         }
         line = restoreMarks(line);
         if (replacement == Trying || !replacement.isEmpty()) {

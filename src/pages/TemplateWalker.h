@@ -10,10 +10,16 @@ struct TemplateState;
 // written, nothing is reported to the user, and the builder goes on with its next template.
 struct TemplateWalkResult
 {
+    // The most characters that filling one line may search and copy. A line whose placeholders
+    // keep bringing in placeholders of their own stops there, as a line grown too long does.
+    static constexpr qsizetype MaxWorkPerLine = 16 * 1024 * 1024;
+
     bool complete = true;
     int linesRead = 0;
     int linesWritten = 0;
     QString error; // why the walk stopped early
+    // Characters of the lines rebuilt by replacements, over the whole walk.
+    qint64 charactersCopied = 0;
 };
 
 // Copies the template to the page line by line, filling each "!!TOKEN!!" placeholder by

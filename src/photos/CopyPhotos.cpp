@@ -5,11 +5,11 @@
 #include "JobState.h"
 #include "JobUi.h"
 #include "PhotoPage.h"
+#include "PictureDecoder.h"
 #include "PictureSizing.h"
 
 #include <QEventLoop>
 #include <QFutureWatcher>
-#include <QImageReader>
 #include <QThread>
 #include <QThreadPool>
 #include <QtConcurrent/QtConcurrentRun>
@@ -24,21 +24,22 @@ namespace {
 // through): a machine of many cores sizing large photos at large boxes stays within it.
 constexpr qint64 SizingMemoryBudget = 320LL * 1024 * 1024;
 
-// What sizing one picture may hold at its peak: the decoded picture, the enlarged copy and the
-// thumbnail, at four bytes a pixel. A JPEG decoder reduces by halves while it decodes, so it
-// holds at most four times the area of the enlarged copy; other formats are decoded whole.
+// What sizing one picture may hold at its peak, at four bytes a pixel: the decoded picture
+// (a JPEG decoder reduces while it decodes, other formats are decoded whole), the filter's
+// half-way picture (no larger than the decoded one), the enlarged copy and the thumbnail.
 qint64 sizingBytes(const QString &source, double largePercent, double smallPercent)
 {
-    const QSize full = PictureSize(source);
-    if (!full.isValid())
+    const PictureHeader header = ReadPictureHeader(source);
+    if (!header.ok())
         return 0; // unreadable: told when its turn comes
+    const QSize full = header.upright();
     const auto area = [](QSize size) { return qint64(size.width()) * size.height(); };
-    const qint64 large = area(ScaledSize(full, largePercent));
-    QImageReader reader(source);
-    reader.setDecideFormatFromContent(true);
-    const bool reducesWhileDecoding = reader.supportsOption(QImageIOHandler::ScaledSize);
-    const qint64 decoded = reducesWhileDecoding ? std::min(area(full), 4 * large) : area(full);
-    return 4 * (decoded + large + area(ScaledSize(full, smallPercent)));
+    const QSize large = ScaledSize(full, largePercent);
+    const QSize small = ScaledSize(full, smallPercent);
+    const qint64 decoded =
+        area(DecodedSize(header, large.width() >= small.width() ? large : small,
+                         PictureMemoryBudget));
+    return 4 * (2 * decoded + area(large) + area(small));
 }
 
 struct Row
@@ -88,6 +89,7 @@ bool CopyPhotos(const QString &target, bool keep, const CopyPhotosInput &input,
     const double smallPercent = NumericValue(input.My_resize_0);
     const int threads =
         input.threads > 0 ? input.threads : std::max(1, QThread::idealThreadCount());
+    const auto sizer = input.sizer ? input.sizer : decltype(input.sizer)(SizePhoto);
 
     // A pool of the job's own: Qt's painting borrows the global pool's threads to fill large
     // areas, and a global pool busy with sizing would hold up every repaint of the window.
@@ -131,8 +133,9 @@ bool CopyPhotos(const QString &target, bool keep, const CopyPhotosInput &input,
             }
             FindPhoto(page, RemoveGroupNumber(entry), GetGroupNumber(entry));
             row.watcher = std::make_unique<QFutureWatcher<SizeResult>>();
-            row.watcher->setFuture(QtConcurrent::run(&pool, SizePhoto, source, row.largePath,
-                                                     largePercent, row.smallPath, smallPercent));
+            row.watcher->setFuture(QtConcurrent::run(&pool, sizer, source, row.largePath,
+                                                     largePercent, row.smallPath, smallPercent,
+                                                     input.jpeg));
             inFlight.push_back(std::move(row));
         }
         if (inFlight.empty())
@@ -167,4 +170,15 @@ bool CopyPhotos(const QString &target, bool keep, const CopyPhotosInput &input,
             ui.ProcessEvents();
     }
     return ok;
+}
+
+QString CopyToReadyListLive(const QString &source, const QString &target)
+{
+    QFutureWatcher<QString> watcher;
+    QEventLoop loop;
+    QObject::connect(&watcher, &QFutureWatcherBase::finished, &loop, &QEventLoop::quit);
+    watcher.setFuture(QtConcurrent::run(CopyToReadyList, source, target));
+    if (!watcher.isFinished())
+        loop.exec();
+    return watcher.result();
 }

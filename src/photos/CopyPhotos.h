@@ -1,6 +1,10 @@
 #pragma once
 
+#include "PictureSizing.h"
+
 #include <QString>
+
+#include <functional>
 
 class JobUi;
 struct JobState;
@@ -13,6 +17,12 @@ struct CopyPhotosInput
     QString My_resize_0 = QStringLiteral("15"); // thumbnail, % of the picture
     QString My_resize_1 = QStringLiteral("30"); // enlarged copy, % of the picture
     int threads = 0;                            // pictures sized at once; 0: one per processor core
+    JpegOptions jpeg;                           // how the JPEG copies are written
+    // Sizes one picture on a worker thread: SizePhoto, unless the caller brings a routine that
+    // wraps it (to watch the work as it goes). Called with the arguments of SizePhoto.
+    std::function<SizeResult(const QString &, const QString &, double, const QString &, double,
+                             JpegOptions)>
+        sizer;
 };
 
 // Makes "Sml_" and "Lrg_" copies of every picture of the working folder in target. Names that
@@ -25,3 +35,7 @@ struct CopyPhotosInput
 // only read.
 bool CopyPhotos(const QString &target, bool keep, const CopyPhotosInput &input,
                 const PhotoPage &page, JobUi &ui, JobState &state);
+
+// CopyToReadyList (PictureSizing.h) on a worker thread while this call waits with the event loop
+// live: converting a large picture takes seconds. Returns its message; empty on success.
+QString CopyToReadyListLive(const QString &source, const QString &target);

@@ -45,19 +45,38 @@ QString FormatGroup(const QString &prefix)
     return (QStringLiteral("00000") + digits).right(5);
 }
 
-QStringList ListPictureFiles(const QString &folder)
+namespace {
+
+QStringList listFiles(const QString &folder, const QStringList &patterns)
 {
     if (folder.isEmpty())
         return {};
-    QDir dir(folder);
-    const QStringList patterns = {QStringLiteral("*.dib"), QStringLiteral("*.bmp"),
-                                  QStringLiteral("*.gif"), QStringLiteral("*.jpg"),
-                                  QStringLiteral("*.ddd")};
     // Name filters match without regard to case unless QDir::CaseSensitive is given.
-    QStringList names = dir.entryList(patterns, QDir::Files, QDir::NoSort);
+    QStringList names = QDir(folder).entryList(patterns, QDir::Files, QDir::NoSort);
     std::sort(names.begin(), names.end(), [](const QString &a, const QString &b) {
         const int order = a.compare(b, Qt::CaseInsensitive);
         return order != 0 ? order < 0 : a < b;
     });
     return names;
+}
+
+const QStringList PicturePatterns = {QStringLiteral("*.dib"), QStringLiteral("*.bmp"),
+                                     QStringLiteral("*.gif"), QStringLiteral("*.jpg"),
+                                     QStringLiteral("*.ddd")};
+
+} // namespace
+
+QStringList ListPictureFiles(const QString &folder)
+{
+    return listFiles(folder, PicturePatterns);
+}
+
+QStringList ListSourcePictureFiles(const QString &folder)
+{
+    return listFiles(folder, PicturePatterns + QStringList{QStringLiteral("*.heic"),
+                                                           QStringLiteral("*.heif"),
+                                                           QStringLiteral("*.webp"),
+                                                           QStringLiteral("*.png"),
+                                                           QStringLiteral("*.tif"),
+                                                           QStringLiteral("*.tiff")});
 }

@@ -45,3 +45,7 @@ bool IsNumericText(const QString &text);
 // The picture files of a folder as the photo lists show them: *.dib, *.bmp, *.gif, *.jpg and
 // *.ddd, matched without regard to case, sorted by name ignoring case. No sub-folders.
 QStringList ListPictureFiles(const QString &folder);
+// The pictures of a source folder as File2 shows them: those of ListPictureFiles and the
+// pictures of today's phones and cameras, *.heic, *.heif, *.webp, *.png, *.tif and *.tiff,
+// matched and sorted the same way.
+QStringList ListSourcePictureFiles(const QString &folder);

@@ -1,14 +1,20 @@
 #include "PictureSizing.h"
 
 #include "GifFile.h"
+#include "Helpers.h"
 #include "PhotoPage.h"
+#include "PictureDecoder.h"
+#include "Resample.h"
 
+#include <QColorSpace>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
 #include <QImageWriter>
-#include <QSaveFile>
+#include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -25,21 +31,6 @@ bool tooLarge(QSize size)
            bytesOf(size) > PictureMemoryBudget;
 }
 
-bool swapsSides(const QImageReader &reader)
-{
-    return reader.transformation() & QImageIOHandler::TransformationRotate90;
-}
-
-// The reader's reason, made readable, with the file's name.
-QString readError(const QImageReader &reader, const QString &path)
-{
-    QString reason = reader.errorString();
-    if (reader.error() == QImageReader::UnknownError || reason.isEmpty() ||
-        reason == QLatin1String("Unknown error"))
-        reason = QStringLiteral("The file is damaged or is not a picture");
-    return reason + QStringLiteral(" (") + QFileInfo(path).fileName() + QLatin1Char(')');
-}
-
 QString tooLargeText(QSize size)
 {
     return QStringLiteral("The picture is too large to be sized (%1 x %2 pixels).")
@@ -47,43 +38,99 @@ QString tooLargeText(QSize size)
         .arg(size.height());
 }
 
-// Writes image at path in format through a temporary file beside it, which replaces path only
-// once it is complete; quality -1 is the writer's default. Returns the writer's error, if any.
 struct WriteError
 {
     int number = 0;
     QString text;
 };
-std::optional<WriteError> writeWhole(const QImage &image, const QString &path, const char *format,
-                                     int quality = -1)
+
+// Writes image to path in format; quality -1 is the writer's default. A file that is only
+// partly written is removed. Returns the writer's error, if any.
+std::optional<WriteError> writeFile(const QImage &image, const QString &path, const char *format,
+                                    int quality = -1, bool progressive = false)
 {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
         return WriteError{int(QImageWriter::DeviceError), file.errorString()};
     QImageWriter writer(&file, format);
     writer.setQuality(quality);
+    writer.setProgressiveScanWrite(progressive);
     if (!writer.write(image)) {
-        file.cancelWriting();
+        file.close();
+        file.remove();
         return WriteError{int(writer.error()), writer.errorString()};
     }
-    if (!file.commit())
+    file.close();
+    if (file.error() != QFileDevice::NoError) {
+        file.remove();
         return WriteError{int(QImageWriter::DeviceError), file.errorString()};
+    }
     return std::nullopt;
 }
 
-SaveResult saveJpeg(const QImage &image, const QString &path)
+// Puts the finished temporary file in place of path.
+bool replaceWith(const QString &temp, const QString &path)
 {
+    DoKill(path);
+    if (QFile::rename(temp, path))
+        return true;
+    const bool copied = QFile::copy(temp, path);
+    DoKill(temp);
+    return copied;
+}
+
+// A JPEG holds no transparency: a transparent picture is laid on white first.
+QImage onWhite(const QImage &image)
+{
+    if (!image.hasAlphaChannel())
+        return image;
+    QImage flat(image.size(), QImage::Format_RGB32);
+    flat.fill(Qt::white);
+    flat.setColorSpace(image.colorSpace());
+    QPainter painter(&flat);
+    painter.drawImage(0, 0, image);
+    painter.end();
+    return flat;
+}
+
+// The JPEG step: written as the part of path before ".jpg" followed by "_tmp.jpg", at the first
+// quality from jpeg.quality down to 50 that the writer takes, then put in place of path.
+SaveResult saveJpeg(const QImage &image, const QString &path, qsizetype at, JpegOptions jpeg)
+{
+    const QString temp = path.left(at) + QStringLiteral("_tmp.jpg");
+    const QImage flat = onWhite(image);
+    const bool progressive = jpeg.progressive && jpeg.quality < 100;
     std::optional<WriteError> error;
-    // A writer that refuses a quality is given the next lower one; normally 100 is taken.
-    for (int quality = 100; quality >= 50; --quality) {
-        error = writeWhole(image, path, "jpeg", quality);
+    // A writer that refuses a quality is given the next lower one; normally the first is taken.
+    for (int quality = std::clamp(jpeg.quality, 50, 100); quality >= 50; --quality) {
+        error = writeFile(flat, temp, "jpeg", quality, progressive);
         if (!error)
-            return {};
+            break;
     }
-    QFile::remove(path);
-    return {false, QStringLiteral("Error in file conversion. Retry.( Error %1 - %2)")
-                       .arg(error->number)
-                       .arg(error->text)};
+    if (error) {
+        DoKill(temp);
+        DoKill(path);
+        return {false, QStringLiteral("Error in file conversion. Retry.( Error %1 - %2)")
+                           .arg(error->number)
+                           .arg(error->text)};
+    }
+    if (!replaceWith(temp, path))
+        return {false, QStringLiteral("Error in file conversion. Retry.( Error %1 - %2)")
+                           .arg(int(QImageWriter::DeviceError))
+                           .arg(QStringLiteral("The copy could not be put in place"))};
+    return {};
+}
+
+// The GIF step: written as the part of path before ".gif" followed by "_tmp.gif", then put in
+// place of path. A GIF that can't be made leaves the bitmap under the ".gif" name, silently.
+SaveResult saveGif(const QImage &image, const QString &path, qsizetype at)
+{
+    const QString temp = path.left(at) + QStringLiteral("_tmp.gif");
+    if (WriteGifFile(image, temp) && replaceWith(temp, path))
+        return {};
+    DoKill(temp);
+    writeFile(image, path, "bmp");
+    return {false, QString()};
 }
 
 } // namespace
@@ -98,72 +145,26 @@ QSize ScaledSize(QSize size, double percent)
 
 QSize PictureSize(const QString &path, QString *error)
 {
-    QImageReader reader(path);
-    reader.setDecideFormatFromContent(true);
-    reader.setAutoTransform(true);
-    QSize size = reader.size();
-    if (!size.isValid()) {
+    const PictureHeader header = ReadPictureHeader(path);
+    if (!header.ok()) {
         if (error)
-            *error = readError(reader, path);
+            *error = header.error;
         return QSize();
     }
-    return swapsSides(reader) ? size.transposed() : size;
+    return header.upright();
 }
 
 PictureResult LoadPicture(const QString &path, QSize atLeast)
 {
-    if (!QFileInfo(path).isFile())
-        return {QImage(), QStringLiteral("File not found: ") + path};
-    QImageReader reader(path);
-    // The content decides: a ".dib" is a bitmap, and a file may carry the wrong extension.
-    reader.setDecideFormatFromContent(true);
-    reader.setAutoTransform(true);
-    reader.setAllocationLimit(int(PictureMemoryBudget / (1024 * 1024)));
-    const QSize stored = reader.size();
-    if (!stored.isValid())
-        return {QImage(), readError(reader, path)};
-    const bool swap = swapsSides(reader);
-    QSize decoded = stored;
-    if (atLeast.isValid() && reader.supportsOption(QImageIOHandler::ScaledSize)) {
-        QSize wanted = (swap ? atLeast.transposed() : atLeast).boundedTo(stored);
-        // The JPEG decoder scales by 1/2, 1/4 or 1/8 while it decodes (the whole part of the
-        // ratio, rounded down to one of these) and smooths the rest of the way.
-        int factor = std::min(stored.width() / wanted.width(), stored.height() / wanted.height());
-        factor = factor >= 8 ? 8 : factor >= 4 ? 4 : factor >= 2 ? 2 : 1;
-        const auto atFactor = [&stored](int f) {
-            return QSize((stored.width() + f - 1) / f, (stored.height() + f - 1) / f);
-        };
-        if (bytesOf(atFactor(factor)) > PictureMemoryBudget) {
-            // Decoding at that scale would not fit: decode smaller and let the caller scale up
-            // the last step.
-            while (factor < 8 && bytesOf(atFactor(factor)) > PictureMemoryBudget)
-                factor *= 2;
-            wanted =
-                QSize(std::max(1, stored.width() / factor), std::max(1, stored.height() / factor));
-        }
-        reader.setScaledSize(wanted);
-        reader.setQuality(100);
-        decoded = atFactor(factor);
-    }
-    if (tooLarge(decoded))
-        return {QImage(), tooLargeText(swap ? decoded.transposed() : decoded)};
-    QImage image = reader.read();
-    if (image.isNull())
-        return {QImage(), readError(reader, path)};
-    return {image, QString()};
+    DecodedPicture decoded = DecodePicture(path, atLeast, PictureMemoryBudget);
+    return {std::move(decoded.image), decoded.error};
 }
 
 QImage ScaleTo(const QImage &image, QSize size)
 {
     if (image.size() == size)
         return image;
-    QImage source = image;
-    // Smooth scaling works on true-colour pixels; palette pictures (GIF) are converted first.
-    if (source.format() == QImage::Format_Indexed8 || source.format() == QImage::Format_Mono ||
-        source.format() == QImage::Format_MonoLSB)
-        source = source.convertToFormat(source.hasAlphaChannel() ? QImage::Format_ARGB32
-                                                                 : QImage::Format_RGB32);
-    return source.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    return ResampleLanczos(image, size);
 }
 
 QImage ApplyEffect(const QImage &image, double percent)
@@ -173,28 +174,25 @@ QImage ApplyEffect(const QImage &image, double percent)
     return ScaleTo(image, ScaledSize(image.size(), percent));
 }
 
-SaveResult savepic(const QImage &image, const QString &path)
+SaveResult savepic(const QImage &image, const QString &path, JpegOptions jpeg)
 {
     if (image.isNull())
         return {false, QStringLiteral("Error in file conversion. Retry.( Error 0 - No picture)")};
     const QString lower = path.toLower();
-    if (lower.contains(QStringLiteral(".gif"))) {
-        if (WriteGifFile(image, path))
-            return {};
-        // As before a GIF was made, the bitmap stays under the ".gif" name.
-        writeWhole(image, path, "bmp");
-        return {false, QString()};
-    }
     // The name is searched, not just its end: "a.jpg.d/b.bmp" is written as a JPEG too.
-    if (lower.contains(QStringLiteral(".jpg")))
-        return saveJpeg(image, path);
-    if (writeWhole(image, path, "bmp"))
+    const qsizetype gif = lower.indexOf(QLatin1String(".gif"));
+    if (gif >= 0)
+        return saveGif(image, path, gif);
+    const qsizetype jpg = lower.indexOf(QLatin1String(".jpg"));
+    if (jpg >= 0)
+        return saveJpeg(image, path, jpg, jpeg);
+    if (writeFile(image, path, "bmp"))
         return {false, QString()};
     return {};
 }
 
 SizeResult SizePhoto(const QString &source, const QString &largePath, double largePercent,
-                     const QString &smallPath, double smallPercent)
+                     const QString &smallPath, double smallPercent, JpegOptions jpeg)
 {
     SizeResult result;
     if (!(largePercent > 0) || !(smallPercent > 0)) {
@@ -204,7 +202,7 @@ SizeResult SizePhoto(const QString &source, const QString &largePath, double lar
     QString error;
     const QSize full = PictureSize(source, &error);
     if (!full.isValid()) {
-        result.loadError = error.isEmpty() ? QStringLiteral("File not found: ") + source : error;
+        result.loadError = error;
         return result;
     }
     const QSize large = ScaledSize(full, largePercent);
@@ -213,8 +211,8 @@ SizeResult SizePhoto(const QString &source, const QString &largePath, double lar
         result.loadError = tooLargeText(tooLarge(large) ? large : small);
         return result;
     }
-    // One decode at the larger copy's size; the smaller copy is scaled from that picture, never
-    // from the written (and so already compressed) enlarged copy.
+    // One decode for both copies, at the larger copy's size; the smaller copy is scaled from the
+    // larger one in memory, never from the written (and so already compressed) file.
     const bool largeFirst = large.width() >= small.width();
     PictureResult picture = LoadPicture(source, largeFirst ? large : small);
     if (!picture.ok()) {
@@ -224,12 +222,13 @@ SizeResult SizePhoto(const QString &source, const QString &largePath, double lar
     const QImage largeImage = ScaleTo(picture.image, large);
     const QImage smallImage = ScaleTo(largeFirst ? largeImage : picture.image, small);
     picture.image = QImage();
-    result.largeMessage = savepic(largeImage, largePath).message;
-    result.smallMessage = savepic(smallImage, smallPath).message;
+    result.largeMessage = savepic(largeImage, largePath, jpeg).message;
+    result.smallMessage = savepic(smallImage, smallPath, jpeg).message;
     return result;
 }
 
-CopyResult SizeOneCopy(const QString &source, const QString &target, double percent)
+CopyResult SizeOneCopy(const QString &source, const QString &target, double percent,
+                       JpegOptions jpeg)
 {
     CopyResult result;
     if (!(percent > 0)) {
@@ -239,7 +238,7 @@ CopyResult SizeOneCopy(const QString &source, const QString &target, double perc
     QString error;
     const QSize full = PictureSize(source, &error);
     if (!full.isValid()) {
-        result.loadError = error.isEmpty() ? QStringLiteral("File not found: ") + source : error;
+        result.loadError = error;
         return result;
     }
     const QSize size = ScaledSize(full, percent);
@@ -252,8 +251,58 @@ CopyResult SizeOneCopy(const QString &source, const QString &target, double perc
         result.loadError = picture.error;
         return result;
     }
-    result.message = savepic(ScaleTo(picture.image, size), target).message;
+    result.message = savepic(ScaleTo(picture.image, size), target, jpeg).message;
     return result;
+}
+
+bool IsConvertedSource(const QString &name)
+{
+    static const QStringList extensions = {
+        QStringLiteral("heic"), QStringLiteral("heif"), QStringLiteral("webp"),
+        QStringLiteral("png"),  QStringLiteral("tif"),  QStringLiteral("tiff")};
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    return dot >= 0 && extensions.contains(name.mid(dot + 1).toLower());
+}
+
+QString ReadyListName(const QString &sourceName)
+{
+    if (!IsConvertedSource(sourceName))
+        return sourceName;
+    return sourceName.left(sourceName.lastIndexOf(QLatin1Char('.'))) + QStringLiteral(".jpg");
+}
+
+QString FindSourceOf(const QString &folder, const QString &name)
+{
+    if (QFileInfo(folder + QLatin1Char('/') + name).isFile())
+        return folder + QLatin1Char('/') + name;
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    if (dot < 0 || name.mid(dot).compare(QLatin1String(".jpg"), Qt::CaseInsensitive) != 0)
+        return QString();
+    const QString base = name.left(dot);
+    const QStringList candidates =
+        QDir(folder).entryList({base + QStringLiteral(".*")}, QDir::Files, QDir::Name);
+    for (const QString &candidate : candidates) {
+        if (IsConvertedSource(candidate) &&
+            candidate.left(candidate.lastIndexOf(QLatin1Char('.'))) == base)
+            return folder + QLatin1Char('/') + candidate;
+    }
+    return QString();
+}
+
+QString CopyToReadyList(const QString &source, const QString &target)
+{
+    if (!IsConvertedSource(QFileInfo(source).fileName())) {
+        if (!QFileInfo(source).isFile())
+            return QStringLiteral("File not found: ") + source;
+        DoKill(target);
+        return QFile::copy(source, target) ? QString()
+                                           : QStringLiteral("The file could not be copied: ") +
+                                                 QDir::toNativeSeparators(target);
+    }
+    const PictureResult picture = LoadPicture(source);
+    if (!picture.ok())
+        return picture.error;
+    return savepic(picture.image, target).message;
 }
 
 QString LimitResizeText(const QString &text)
@@ -312,17 +361,51 @@ const std::array<CameraPreset, 10> &CameraTable()
     return table;
 }
 
+const std::array<CameraPreset, 3> &TodaysCameraRows()
+{
+    // 4032 x 3024, 6000 x 4000 and 8064 x 6048 pixels.
+    static const std::array<CameraPreset, 3> rows = {{
+        {10, QStringLiteral("  9%              20%"), QStringLiteral("12 mega-pixel"), "9", "20", ""},
+        {11, QStringLiteral("  6%              14%"), QStringLiteral("24 mega-pixel"), "6", "14", ""},
+        {12, QStringLiteral("  5%              10%"), QStringLiteral("48 mega-pixel"), "5", "10", ""},
+    }};
+    return rows;
+}
+
 bool ApplyCameraPreset(int button, std::array<QString, 3> &boxes)
 {
-    for (const CameraPreset &preset : CameraTable()) {
-        if (preset.button != button)
-            continue;
+    const auto apply = [&](const CameraPreset &preset) {
         const QString values[3] = {preset.small, preset.large, preset.blog};
         for (int i = 0; i < 3; ++i) {
             if (!values[i].isEmpty())
                 boxes[i] = values[i];
         }
-        return true;
+    };
+    for (const CameraPreset &preset : CameraTable()) {
+        if (preset.button == button) {
+            apply(preset);
+            return true;
+        }
+    }
+    for (const CameraPreset &preset : TodaysCameraRows()) {
+        if (preset.button == button) {
+            apply(preset);
+            return true;
+        }
     }
     return false;
+}
+
+QString LimitJpegQualityText(const QString &text)
+{
+    bool ok = false;
+    const double number = text.trimmed().toDouble(&ok);
+    if (!ok)
+        return JpegQualityDefault;
+    return QString::number(std::clamp(int(std::lround(number)), 50, 100));
+}
+
+JpegOptions JpegOptionsFor(const QString &qualityText)
+{
+    return JpegOptions{LimitJpegQualityText(qualityText).toInt(), true};
 }

@@ -4,8 +4,6 @@
 #include <QElapsedTimer>
 #include <QUrl>
 
-#include <cctype>
-
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -41,13 +39,6 @@ struct SList
     SList(const SList &) = delete;
     SList &operator=(const SList &) = delete;
 };
-
-bool startsWithCode(const QByteArray &line)
-{
-    return line.size() >= 3 && std::isdigit(static_cast<unsigned char>(line[0])) &&
-           std::isdigit(static_cast<unsigned char>(line[1])) &&
-           std::isdigit(static_cast<unsigned char>(line[2]));
-}
 
 } // namespace
 
@@ -147,8 +138,7 @@ FtpConnection::Result FtpConnection::perform(const Request &request)
     m_request = &request;
     m_replies.clear();
     m_openedSession = !m_alive;
-    m_pending = FtpReply();
-    m_inMultiLine = false;
+    m_reader.reset();
     m_passwordAsked = false;
     m_abort = false;
 
@@ -235,8 +225,8 @@ FtpConnection::Result FtpConnection::perform(const Request &request)
         }
     }
     curl_multi_remove_handle(m_multi, e);
-    if (!m_pending.lines.isEmpty() && m_pending.code != 0)
-        m_replies.append(m_pending);
+    if (const auto cut = m_reader.pending())
+        m_replies.append(*cut);
     result.cancelled = m_abort;
     if (m_abort && result.code == CURLE_OK)
         result.code = CURLE_ABORTED_BY_CALLBACK;
@@ -276,33 +266,14 @@ void FtpConnection::close(bool serveEvents)
     m_easy = nullptr;
 }
 
-void FtpConnection::addReplyLine(const QByteArray &raw)
+void FtpConnection::addReplyLine(const QByteArray &line)
 {
-    QByteArray line = raw;
-    while (line.endsWith('\n') || line.endsWith('\r'))
-        line.chop(1);
-    const QString text = QString::fromUtf8(line);
-    if (!m_inMultiLine) {
-        if (!startsWithCode(line))
-            return; // not a server reply (the library's own header lines)
-        m_pending = FtpReply();
-        m_pending.code = line.left(3).toInt();
-        m_pending.lines.append(text);
-        if (line.size() > 3 && line[3] == '-') {
-            m_inMultiLine = true;
-            return;
-        }
-    } else {
-        m_pending.lines.append(text);
-        if (!(startsWithCode(line) && line.left(3).toInt() == m_pending.code &&
-              (line.size() == 3 || line[3] == ' ')))
-            return;
-        m_inMultiLine = false;
-    }
-    if (m_pending.code == 331)
+    auto reply = m_reader.addLine(line);
+    if (!reply)
+        return;
+    if (reply->code == 331)
         m_passwordAsked = true;
-    m_replies.append(m_pending);
-    m_pending = FtpReply();
+    m_replies.append(std::move(*reply));
 }
 
 size_t FtpConnection::headerCallback(char *data, size_t size, size_t count, void *self)

@@ -7,6 +7,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "FtpReplyReader.h"
+
 #include <curl/curl.h>
 
 #include <functional>
@@ -22,14 +24,6 @@ struct FtpAddress
     static FtpAddress fromServerField(const QString &server);
     // "ftp://host:port/" with an IPv6 address in brackets.
     QByteArray baseUrl() const;
-};
-
-// One reply of the server: its code and its text lines (without line ends).
-struct FtpReply
-{
-    int code = 0;
-    QStringList lines;
-    QString text() const { return lines.join(QLatin1Char('\n')); }
 };
 
 // One libcurl connection to one FTP server and account. The easy handle is driven through a
@@ -139,8 +133,7 @@ private:
 
     const Request *m_request = nullptr;
     QList<FtpReply> m_replies;
-    FtpReply m_pending;
-    bool m_inMultiLine = false;
+    FtpReplyReader m_reader;
     bool m_passwordAsked = false;
     bool m_openedSession = false;
     bool m_abort = false;

@@ -61,10 +61,9 @@ namespace {
 
 // The request opened a session and the server turned it away before it was logged in: a
 // greeting that refuses (421 ...), or a refusal in place of the answer to USER or PASS.
-bool turnedAwayAtLogin(const FtpConnection &connection)
+bool turnedAwayAtLogin(const QList<FtpReply> &replies, bool openedSession)
 {
-    const QList<FtpReply> &replies = connection.replies();
-    if (!connection.openedSession() || replies.isEmpty() || replies.last().code < 400)
+    if (!openedSession || replies.isEmpty() || replies.last().code < 400)
         return false;
     if (replies.size() == 1)
         return true;
@@ -73,18 +72,33 @@ bool turnedAwayAtLogin(const FtpConnection &connection)
                         [](const FtpReply &reply) { return reply.code == 230; });
 }
 
+// The server's last words refuse the request, or are no answer of FTP at all (a code out of its
+// range, which the library does not take for a reply and so waits on): its text is the message.
+bool saidNo(const FtpReply &last)
+{
+    return !last.lines.isEmpty() && (last.code >= 400 || !last.codeInRange());
+}
+
 } // namespace
 
 int NumberFor(CURLcode code, const FtpConnection &connection)
 {
+    return NumberFor(code, connection.replies(), connection.openedSession());
+}
+
+int NumberFor(CURLcode code, const QList<FtpReply> &replies, bool openedSession)
+{
+    const FtpReply last = replies.isEmpty() ? FtpReply() : replies.last();
+    const bool passwordAsked = std::any_of(replies.begin(), replies.end(),
+                                           [](const FtpReply &reply) { return reply.code == 331; });
     switch (code) {
     case CURLE_OK:
         return 0;
     case CURLE_LOGIN_DENIED:
         // "Not now" (421 too many users ...) says nothing about the name or the password.
-        if (connection.lastReply().code == 421)
+        if (last.code == 421)
             return 12015;
-        return connection.passwordAsked() ? 12014 : 12013;
+        return passwordAsked ? 12014 : 12013;
     case CURLE_ABORTED_BY_CALLBACK:
         return OperationCancelled;
     case CURLE_COULDNT_RESOLVE_HOST:
@@ -98,9 +112,9 @@ int NumberFor(CURLcode code, const FtpConnection &connection)
         return 12029;
     case CURLE_OPERATION_TIMEDOUT:
         // The library reports a server's 421 ("closing control connection") as a time-out.
-        if (connection.lastReply().code == 421)
-            return turnedAwayAtLogin(connection) ? 12015 : ExtendedError;
-        return 12002;
+        if (last.code == 421)
+            return turnedAwayAtLogin(replies, openedSession) ? 12015 : ExtendedError;
+        return !last.codeInRange() && saidNo(last) ? ExtendedError : 12002;
     case CURLE_FTP_ACCEPT_TIMEOUT:
         return 12002;
     case CURLE_URL_MALFORMAT:
@@ -133,10 +147,10 @@ int NumberFor(CURLcode code, const FtpConnection &connection)
     case CURLE_GOT_NOTHING:
         return 12030;
     case CURLE_WEIRD_SERVER_REPLY:
-        if (turnedAwayAtLogin(connection))
+        if (turnedAwayAtLogin(replies, openedSession))
             return 12015;
         // A server that closes the control connection mid-request leaves a reply missing.
-        return connection.lastReply().code >= 400 ? ExtendedError : 12030;
+        return saidNo(last) ? ExtendedError : 12030;
     case CURLE_READ_ERROR:
     case CURLE_WRITE_ERROR:
         return 12004;
@@ -150,8 +164,16 @@ int NumberFor(CURLcode code, const FtpConnection &connection)
     case CURLE_REMOTE_FILE_EXISTS:
         return ExtendedError;
     default:
-        return connection.lastReply().code >= 400 ? ExtendedError : 12004;
+        return saidNo(last) ? ExtendedError : 12004;
     }
+}
+
+QString ServerText(const FtpReply &reply)
+{
+    if (reply.lines.isEmpty() || reply.codeInRange())
+        return reply.text();
+    return QStringLiteral("The server answered with a code that FTP does not have: ") +
+           reply.text();
 }
 
 QString Compose(int number, const QString &operation, const QString &serverReply)

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "FtpReplyReader.h"
+
+#include <QList>
 #include <QString>
 
 #include <curl/curl.h>
@@ -29,6 +32,13 @@ QString Description(int number);
 // a refused login) is 12003, 12013 or 12014, and a login the server turns away for now (a 421
 // greeting or answer to USER) 12015; the network's failures have their own numbers.
 int NumberFor(CURLcode code, const FtpConnection &connection);
+// The same from what the request saw: the replies, oldest first, and whether it had to open the
+// session (and so log in) first.
+int NumberFor(CURLcode code, const QList<FtpReply> &replies, bool openedSession);
+
+// The server's words as a message shows them: the reply's text, said to be no FTP answer when
+// its code is out of the protocol's range (not 100 to 599).
+QString ServerText(const FtpReply &reply);
 
 // The text left in GetLastErrorMessage: Description(number), " Message: ", the number,
 // " error code: ", the operation; for 12003 the server's last reply alone (or the description

@@ -52,8 +52,6 @@ std::optional<cDirItem> parseUnix(const QString &line, const QByteArray &raw, co
         if (arrow > 0)
             name.truncate(arrow);
     }
-    if (name.isEmpty() || name == QLatin1String(".") || name == QLatin1String(".."))
-        return std::nullopt;
     item.Name = name;
     item.Size = match.captured(3).toLongLong();
     const bool writable = perms.at(1) == QLatin1Char('w');
@@ -95,10 +93,7 @@ std::optional<cDirItem> parseDos(const QString &line, const QByteArray &raw)
     if (!match.hasMatch())
         return std::nullopt;
     cDirItem item;
-    const QString name = decodeName(raw.mid(match.capturedStart(8)));
-    if (name.isEmpty() || name == QLatin1String(".") || name == QLatin1String(".."))
-        return std::nullopt;
-    item.Name = name;
+    item.Name = decodeName(raw.mid(match.capturedStart(8)));
     if (match.captured(7) == QLatin1String("<DIR>")) {
         item.Attributes = cDirItem::Directory;
     } else {
@@ -119,9 +114,61 @@ std::optional<cDirItem> parseDos(const QString &line, const QByteArray &raw)
     return item;
 }
 
-} // namespace
+// "type=file;size=1234;modify=20261122050100;perm=rw; name": facts up to the first "; ", then
+// the name. The current and parent directory (type=cdir, type=pdir) are no entries.
+std::optional<cDirItem> parseMlsd(const QByteArray &raw)
+{
+    const qsizetype gap = raw.indexOf("; ");
+    if (gap < 0 || !raw.left(gap).contains('='))
+        return std::nullopt;
+    QByteArray type;
+    QByteArray perm;
+    bool havePerm = false;
+    qint64 size = 0;
+    QDateTime modified;
+    for (const QByteArray &fact : raw.left(gap).split(';')) {
+        const qsizetype equals = fact.indexOf('=');
+        if (equals <= 0)
+            return std::nullopt;
+        const QByteArray name = fact.left(equals).toLower();
+        const QByteArray value = fact.mid(equals + 1);
+        if (name == "type") {
+            type = value.toLower();
+        } else if (name == "size" || name == "sizd") {
+            bool ok = false;
+            const qint64 number = value.toLongLong(&ok);
+            size = ok && number >= 0 ? number : 0;
+        } else if (name == "modify") {
+            // YYYYMMDDHHMMSS, perhaps with fractions of a second; always UTC.
+            modified = QDateTime::fromString(QString::fromLatin1(value.left(14)),
+                                             QStringLiteral("yyyyMMddHHmmss"));
+            modified.setTimeSpec(Qt::UTC);
+        } else if (name == "perm") {
+            perm = value.toLower();
+            havePerm = true;
+        }
+    }
+    if (type.isEmpty() || type == "cdir" || type == "pdir")
+        return std::nullopt;
+    cDirItem item;
+    item.Name = decodeName(raw.mid(gap + 2));
+    const bool directory = type == "dir";
+    if (directory) {
+        item.Attributes = cDirItem::Directory;
+        if (havePerm && !perm.contains('c') && !perm.contains('m') && !perm.contains('p'))
+            item.Attributes |= cDirItem::ReadOnly;
+    } else {
+        item.Size = size;
+        const bool writable = !havePerm || perm.contains('w') || perm.contains('a');
+        item.Attributes = writable ? cDirItem::Normal : cDirItem::ReadOnly;
+    }
+    if (item.Name.startsWith(QLatin1Char('.')))
+        item.Attributes = (item.Attributes & ~cDirItem::Normal) | cDirItem::Hidden;
+    setTimes(item, modified.isValid() ? modified : QDateTime());
+    return item;
+}
 
-std::optional<cDirItem> ParseLine(const QByteArray &rawLine, const QDateTime &now)
+std::optional<cDirItem> parseAnyForm(const QByteArray &rawLine, const QDateTime &now)
 {
     QByteArray raw = rawLine;
     while (raw.endsWith('\n') || raw.endsWith('\r'))
@@ -132,16 +179,63 @@ std::optional<cDirItem> ParseLine(const QByteArray &rawLine, const QDateTime &no
     const QString line = QString::fromLatin1(raw);
     if (auto item = parseUnix(line, raw, now))
         return item;
-    return parseDos(line, raw);
+    if (auto item = parseDos(line, raw))
+        return item;
+    return parseMlsd(raw);
 }
 
-QList<cDirItem> Parse(const QByteArray &listing, const QDateTime &now)
+bool isOwnDirectory(const QString &name)
+{
+    return name == QLatin1String(".") || name == QLatin1String("..");
+}
+
+} // namespace
+
+bool IsUsableName(const QString &name)
+{
+    if (name.isEmpty() || isOwnDirectory(name))
+        return false;
+    for (const QChar c : name) {
+        if (c == QLatin1Char('/') || c == QChar(0) || c == QLatin1Char('\r') ||
+            c == QLatin1Char('\n'))
+            return false;
+    }
+    return true;
+}
+
+std::optional<cDirItem> ParseLine(const QByteArray &rawLine, const QDateTime &now)
+{
+    auto item = parseAnyForm(rawLine, now);
+    if (!item || !IsUsableName(item->Name))
+        return std::nullopt;
+    return item;
+}
+
+QList<cDirItem> Parse(const QByteArray &listing, const QDateTime &now, Counts *counts)
 {
     QList<cDirItem> items;
-    for (const QByteArray &line : listing.split('\n')) {
-        if (auto item = ParseLine(line, now))
-            items.append(*item);
+    Counts seen;
+    qsizetype start = 0;
+    while (start < listing.size()) {
+        qsizetype end = listing.indexOf('\n', start);
+        if (end < 0)
+            end = listing.size();
+        auto item = parseAnyForm(listing.mid(start, end - start), now);
+        start = end + 1;
+        if (!item)
+            continue;
+        if (IsUsableName(item->Name)) {
+            if (items.size() >= MaxEntries) {
+                seen.tooMany = true;
+                break;
+            }
+            items.append(std::move(*item));
+        } else if (!item->Name.isEmpty() && !isOwnDirectory(item->Name)) {
+            ++seen.unusable;
+        }
     }
+    if (counts)
+        *counts = seen;
     return items;
 }
 

@@ -64,7 +64,8 @@ bool TransferEngine::SessionDelete(const QString &server, const QString &user,
     FtpConnection::Request request;
     request.quote = {QStringLiteral("CWD ") + directory, QStringLiteral("*DELE ") + name};
     request.maxWaitMs = maxWaitMs;
-    const bool done = session.perform(request).ok() && session.lastReply().code < 400;
+    const bool done = session.perform(request).ok() && session.lastReply().code < 400 &&
+                      session.lastReply().codeInRange();
     session.close();
     return done;
 }
@@ -115,7 +116,7 @@ bool TransferEngine::connectSession(FtpConnection &connection, const QString &di
     if (!result.ok()) {
         LastError = result.cancelled ? FtpErrors::OperationCancelled
                                      : FtpErrors::NumberFor(result.code, connection);
-        LastErrorText = errorText(LastError, connection.lastReply().text());
+        LastErrorText = errorText(LastError, FtpErrors::ServerText(connection.lastReply()));
         LastWasCancelled = result.cancelled;
         return false;
     }
@@ -262,6 +263,8 @@ bool TransferEngine::SessionDownload(const QString &server, const QString &user,
         lookup.kind = FtpConnection::Request::Kind::List;
         lookup.quote = {QStringLiteral("CWD ") + directory};
         lookup.write = [&listing](const char *data, size_t size) {
+            if (listing.size() + qint64(size) > FtpListing::MaxBytes)
+                return false; // a listing beyond any directory's is not read
             listing.append(data, qsizetype(size));
             return true;
         };
@@ -328,9 +331,10 @@ void TransferEngine::recordFailure(bool cancelled, int number, const FtpConnecti
 {
     LastWasCancelled = cancelled || m_state.skipped();
     LastError = number;
-    LastErrorText = errorText(LastError, session.lastReply().text());
+    LastErrorText = errorText(LastError, FtpErrors::ServerText(session.lastReply()));
     if (!LastWasCancelled)
-        m_ui.FloodShowStatus(WininetErrorText(LastError, session.lastReply().text()));
+        m_ui.FloodShowStatus(
+            WininetErrorText(LastError, FtpErrors::ServerText(session.lastReply())));
 }
 
 void TransferEngine::TransferStatusCallback(int status, const QVariant &data)

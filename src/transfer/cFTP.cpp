@@ -49,6 +49,31 @@ QString PathFrom257(const QString &reply)
     return QString();
 }
 
+QString TooLongListingText(const QString &directory)
+{
+    return QStringLiteral("The server's listing of %1 is longer than %2 MB, more than the program "
+                          "reads of one directory; the directory was not read.")
+        .arg(directory)
+        .arg(FtpListing::MaxBytes / (1024 * 1024));
+}
+
+QString TooManyEntriesText(const QString &directory)
+{
+    return QStringLiteral("The server lists more than %1 entries in %2, more than the program "
+                          "reads of one directory; the directory was not read.")
+        .arg(FtpListing::MaxEntries)
+        .arg(directory);
+}
+
+QString UnusableNamesText(int count)
+{
+    return count == 1 ? QStringLiteral("The server listed 1 name that no file can have (it holds "
+                                       "\"/\", a NUL or a line break); it is left out.")
+                      : QStringLiteral("The server listed %1 names that no file can have (they "
+                                       "hold \"/\", a NUL or a line break); they are left out.")
+                            .arg(count);
+}
+
 cFTP::cFTP(JobState &state, QObject *parent) : QObject(parent), m_state(&state) {}
 
 cFTP::~cFTP() = default;
@@ -141,12 +166,14 @@ void cFTP::fail(const FtpConnection::Result &result, const QString &operation)
 {
     const int number = result.cancelled ? FtpErrors::OperationCancelled
                                         : FtpErrors::NumberFor(result.code, *m_connection);
-    m_lastErrorMessage = FtpErrors::Compose(number, operation, m_connection->lastReply().text());
+    m_lastErrorMessage =
+        FtpErrors::Compose(number, operation, FtpErrors::ServerText(m_connection->lastReply()));
 }
 
 void cFTP::failWith(int number, const QString &operation)
 {
-    const QString reply = m_connection ? m_connection->lastReply().text() : QString();
+    const QString reply =
+        m_connection ? FtpErrors::ServerText(m_connection->lastReply()) : QString();
     m_lastErrorMessage = FtpErrors::Compose(number, operation, reply);
 }
 
@@ -185,9 +212,9 @@ bool cFTP::runCommands(const QStringList &commands, const QString &operation,
         return false;
     }
     for (qsizetype i = replies.size() - commands.size(); i < replies.size(); ++i) {
-        if (replies[i].code >= 400) {
-            m_lastErrorMessage =
-                FtpErrors::Compose(FtpErrors::ExtendedError, operation, replies[i].text());
+        if (replies[i].code >= 400 || !replies[i].codeInRange()) {
+            m_lastErrorMessage = FtpErrors::Compose(FtpErrors::ExtendedError, operation,
+                                                    FtpErrors::ServerText(replies[i]));
             return false;
         }
     }
@@ -256,11 +283,22 @@ bool cFTP::fetchListing(const QString &directory, QByteArray &listing, const QSt
     FtpConnection::Request request;
     request.kind = FtpConnection::Request::Kind::List;
     request.quote = {QStringLiteral("CWD ") + directory};
-    request.write = [&listing](const char *data, size_t size) {
+    bool tooLong = false;
+    request.write = [&listing, &tooLong](const char *data, size_t size) {
+        if (listing.size() + qint64(size) > FtpListing::MaxBytes) {
+            tooLong = true;
+            return false;
+        }
         listing.append(data, static_cast<qsizetype>(size));
         return true;
     };
     const auto result = run(request);
+    if (tooLong) {
+        listing.clear();
+        m_lastErrorMessage = TooLongListingText(directory);
+        m_listingNote = m_lastErrorMessage;
+        return false;
+    }
     if (!result.ok()) {
         fail(result, operation);
         return false;
@@ -289,6 +327,7 @@ qint64 cFTP::GetFTPFileSize(const QString &remoteName)
 const cDirList *cFTP::GetDirectoryListing(const QString &filter)
 {
     m_directoryList.Clear();
+    m_listingNote.clear();
     Target target;
     if (filter.contains(QLatin1Char('/')))
         target = resolve(filter);
@@ -297,7 +336,18 @@ const cDirList *cFTP::GetDirectoryListing(const QString &filter)
     QByteArray listing;
     if (!fetchListing(target.directory, listing, QStringLiteral("FtpFindFirstFile")))
         return nullptr;
-    for (const cDirItem &item : FtpListing::Parse(listing)) {
+    FtpListing::Counts counts;
+    const QList<cDirItem> items =
+        FtpListing::Parse(listing, QDateTime::currentDateTimeUtc(), &counts);
+    listing.clear();
+    if (counts.tooMany) {
+        m_lastErrorMessage = TooManyEntriesText(target.directory);
+        m_listingNote = m_lastErrorMessage;
+        return nullptr;
+    }
+    if (counts.unusable > 0)
+        m_listingNote = UnusableNamesText(counts.unusable);
+    for (const cDirItem &item : items) {
         if (FtpListing::MatchesFilter(item.Name, target.name))
             m_directoryList.Add(item);
     }

@@ -74,6 +74,9 @@ public:
     // match filter ("*.*" is every entry). nullptr when nothing matched (no error text) or on
     // failure (with error text); Directory() holds what was found.
     const cDirList *GetDirectoryListing(const QString &filter);
+    // What the last listing left out, for the user: entries whose names can't be used here
+    // (holding "/", NUL or a line break), or a listing refused for its size. "" when nothing.
+    QString ListingNote() const { return m_listingNote; }
     void SetTransferASCII() { m_transferType = FTP_TRANSFER_TYPE_ASCII; }
     void SetTransferBinary() { m_transferType = FTP_TRANSFER_TYPE_BINARY; }
     void SetModeActive() { m_passiveFlag = 0; }
@@ -119,10 +122,17 @@ private:
     QString m_currentDirectory;
     QString m_lastErrorMessage;
     cDirList m_directoryList;
+    QString m_listingNote;
     quint32 m_transferType = FTP_TRANSFER_TYPE_ASCII;
     quint32 m_passiveFlag = 0;
     JobState *m_state;
 };
+
+// The texts of a listing that was refused or cut: longer than FtpListing::MaxBytes, more than
+// FtpListing::MaxEntries entries, or holding names that no file can have.
+QString TooLongListingText(const QString &directory);
+QString TooManyEntriesText(const QString &directory);
+QString UnusableNamesText(int count);
 
 // The path in a "257" reply ("257 "/a ""b""" is current" gives /a "b"); "" when there is none.
 QString PathFrom257(const QString &reply);

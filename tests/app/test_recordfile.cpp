@@ -92,6 +92,72 @@ private slots:
         QCOMPARE(DecodeRecordText(EncodeRecordText(text, false)), text);
     }
 
+    // What the writer writes, the reader gives back: every character that the record syntax
+    // keeps, with commas, quotes and line breaks; what it drops (line feeds of their own, "|",
+    // tabs, letters beyond ASCII) is dropped and nothing else changes.
+    void writerRoundTrip_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("kept");
+        QTest::newRow("commas") << "a, b,c"
+                                << "a, b,c";
+        QTest::newRow("quotes") << "say \"hi\""
+                                << "say \"hi\"";
+        QTest::newRow("line breaks") << "one\r\ntwo\r\n"
+                                     << "one\r\ntwo\r\n";
+        QTest::newRow("lone CR") << "one\rtwo"
+                                 << "one\r\ntwo";
+        QTest::newRow("lone LF") << "one\ntwo"
+                                 << "onetwo";
+        QTest::newRow("letters beyond ASCII")
+            << QString::fromUtf8("Caf\xc3\xa9 M\xc3\xbcller") << "Caf Mller";
+        QTest::newRow("pipe and tab") << "a|b\tc"
+                                      << "abc";
+        QTest::newRow("marks") << "|3|4|5"
+                               << "345";
+        QTest::newRow("everything")
+            << QString::fromUtf8("\"A, b\"\r\n\xc3\xa9|\t50% = ok.") << "\"A, b\"\r\n50% = ok.";
+    }
+    void writerRoundTrip()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, kept);
+        const QString encoded = EncodeRecordText(text, false);
+        QCOMPARE(DecodeRecordText(encoded), kept);
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("round.blg"));
+        QVERIFY(WriteRecordFile(path, RecordLine(QStringLiteral("FileName"), QStringLiteral("x")) +
+                                          RecordLine(QStringLiteral("MainTitle"), encoded))
+                    .ok);
+        const RecordFileResult raw = ReadRecordFile(path, RecordDecoding::Raw);
+        QVERIFY(raw.ok);
+        QCOMPARE(DecodeRecordText(GetRecordValue(raw.text, QStringLiteral("MainTitle"))), kept);
+    }
+
+    void roundTripHoldsForAnyText()
+    {
+        QRandomGenerator random(5);
+        const QString alphabet =
+            QStringLiteral("aZ9 .,\"|\r\n\t=%\\/!") + QChar(0xe9) + QChar(0x4e2d) + QChar(0);
+        const QString passes = QStringLiteral("aZ9 .,\"=%\\/!");
+        for (int round = 0; round < 5000; ++round) {
+            QString text;
+            QString kept;
+            const int length = int(random.bounded(16));
+            for (int i = 0; i < length; ++i) {
+                const QChar c = alphabet.at(int(random.bounded(int(alphabet.size()))));
+                text += c;
+                if (passes.contains(c))
+                    kept += c;
+                else if (c == QLatin1Char('\r'))
+                    kept += QStringLiteral("\r\n");
+            }
+            QCOMPARE(DecodeRecordText(EncodeRecordText(text, false)), kept);
+            QCOMPARE(DecodeRecordText(EncodeRecordText(text, true)),
+                     QString(kept).remove(QLatin1Char('.')));
+        }
+    }
+
     void getRecordValue_data()
     {
         QTest::addColumn<QString>("text");

@@ -513,6 +513,22 @@ private slots:
         QVERIFY(!out.result.complete);
     }
 
+    // A title whose marks lie beyond the escape's bound brings in its own placeholder again at
+    // each filling; the walk stops at its work bound, as at a line grown too long, instead of
+    // copying the growing line ten thousand times (an input found by fuzz_template).
+    void titleHoldingItsOwnPlaceholderEndsTheWalkWithinItsBound()
+    {
+        TemplateState state;
+        state.PageTitle = QString(40, QLatin1Char('!')) + QStringLiteral("!!PHOTO_title!!");
+        QVERIFY(EscapeMarks(state.PageTitle).contains(QStringLiteral("!!PHOTO_title!!")));
+        const Walk out = walk("a\n <title>!!PHOTO_title!!</title>\nb\n", state);
+        QCOMPARE(out.page, QString("a\n"));
+        QVERIFY(!out.result.complete);
+        QCOMPARE(out.result.error, QStringLiteral("Out of string space"));
+        QVERIFY2(out.result.charactersCopied <= TemplateWalkResult::MaxWorkPerLine,
+                 qPrintable(QString::number(out.result.charactersCopied)));
+    }
+
     void emptyTokenLineIsDropped()
     {
         TemplateState state;

@@ -161,6 +161,27 @@ private slots:
         QCOMPARE(loaded.PhotoNumber, qint16(3));
     }
 
+    void valueHoldingACountKeyWithJunkReadsBackAsAClearError()
+    {
+        // A title such as a hand edit or a cut-short file can leave: the record's look-up finds
+        // "PhotoNumber" in it before the key's own line, and "$4" is no count.
+        PhotoPage page;
+        page.FileName = "Trip";
+        page.Title = "Trip`PhotoNumber =$4";
+        addRow(page, "a.jpg", "/p", "", "", "", "00050");
+        QVERIFY(SaveHistory(page).ok);
+        PhotoPage loaded;
+        loaded.FileName = "Trip.hst";
+        const HistoryResult result = ReadHistory(loaded);
+        QVERIFY(!result.ok);
+        QCOMPARE(result.error,
+                 QString("The number of photos in the History file is not a number: $4"));
+        QCOMPARE(loaded.PhotoNumber, qint16(0));
+        QCOMPARE(loaded.Title, QString("Trip`PhotoNumber =$4"));
+        // The file itself is left as it was written.
+        QVERIFY(readAll(historyFile("Trip.hst")).contains("PhotoName0 = a.jpg\r\n"));
+    }
+
     void nonAsciiLettersAreLostBlanksAndCommasKept()
     {
         PhotoPage page;

@@ -128,7 +128,13 @@ private slots:
         QCOMPARE(CameraTable()[4].caption, QString("40%            100%"));
         QCOMPARE(CameraTable()[4].rowLabel, QString(".5 mega-pixel"));
         std::array<QString, 3> boxes;
-        QVERIFY(!ApplyCameraPreset(10, boxes));
+        QVERIFY(!ApplyCameraPreset(13, boxes));
+        QVERIFY(!ApplyCameraPreset(-1, boxes));
+        // Today's cameras: buttons 10 to 12 beside the table's own.
+        QCOMPARE(TodaysCameraRows()[0].rowLabel, QString("12 mega-pixel"));
+        QVERIFY(ApplyCameraPreset(12, boxes));
+        QCOMPARE(boxes[0], QString("5"));
+        QCOMPARE(boxes[1], QString("10"));
     }
 
     void scaledSizeKeepsTheSidesRatio_data()
@@ -206,6 +212,157 @@ private slots:
         QCOMPARE(QColor(picture.image.pixel(5, 5)).red() > 200, true);
     }
 
+    // A copy wants twice its size from the decoder, which reduces by halves only: a 30% copy of
+    // a 1600 x 1200 JPEG is decoded whole, not at 5/8 or 6/8, whose transforms leave aliasing
+    // behind; a 25% copy at half size.
+    void jpegIsDecodedByHalvesWithRoomToFilter()
+    {
+        const QString file = path("eighths.jpg");
+        QVERIFY(writeJpeg(file, halves(1600, 1200)));
+        QCOMPARE(LoadPicture(file, QSize(480, 360)).image.size(), QSize(1600, 1200));
+        QCOMPARE(LoadPicture(file, QSize(400, 300)).image.size(), QSize(800, 600));
+        QCOMPARE(LoadPicture(file, QSize(90, 60)).image.size(), QSize(200, 150));
+        QCOMPARE(LoadPicture(file, QSize(1000, 750)).image.size(), QSize(1600, 1200));
+        QCOMPARE(LoadPicture(file).image.size(), QSize(1600, 1200));
+    }
+
+    // Stripes one pixel wide, reduced by 3.3: the filter averages them out evenly instead of
+    // picking some stripes and dropping others.
+    void reductionDoesNotAlias()
+    {
+        QImage stripes(1000, 40, QImage::Format_RGB32);
+        for (int x = 0; x < stripes.width(); ++x)
+            for (int y = 0; y < stripes.height(); ++y)
+                stripes.setPixel(x, y, x % 2 ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
+        const QImage scaled = ScaleTo(stripes, QSize(300, 12));
+        QCOMPARE(scaled.size(), QSize(300, 12));
+        for (int x = 3; x < scaled.width() - 3; ++x) {
+            const int grey = qGray(scaled.pixel(x, 6));
+            QVERIFY2(grey > 117 && grey < 138, qPrintable(QString("%1 at %2").arg(grey).arg(x)));
+        }
+    }
+
+    // A plain picture stays the same colour, and a step from black to white stays a step: the
+    // edge lies where it was, it is no wider than the filter reaches, and the rest is untouched.
+    void reductionKeepsFlatAreasAndEdges()
+    {
+        QImage flat(640, 480, QImage::Format_RGB32);
+        flat.fill(QColor(12, 150, 230));
+        const QImage plain = ScaleTo(flat, QSize(193, 145));
+        for (int y = 0; y < plain.height(); y += 7)
+            for (int x = 0; x < plain.width(); x += 5)
+                QCOMPARE(QColor(plain.pixel(x, y)), QColor(12, 150, 230));
+
+        QImage step(800, 10, QImage::Format_RGB32);
+        step.fill(Qt::black);
+        for (int y = 0; y < 10; ++y)
+            for (int x = 400; x < 800; ++x)
+                step.setPixel(x, y, qRgb(255, 255, 255));
+        const QImage scaled = ScaleTo(step, QSize(200, 10));
+        QCOMPARE(qGray(scaled.pixel(90, 5)), 0);
+        QCOMPARE(qGray(scaled.pixel(110, 5)), 255);
+        QVERIFY(qAbs(qGray(scaled.pixel(99, 5)) + qGray(scaled.pixel(100, 5)) - 255) <= 12);
+        for (int x = 1; x < 200; ++x)
+            QVERIFY(qAbs(qGray(scaled.pixel(x, 5)) - qGray(scaled.pixel(x - 1, 5))) <= 255);
+        int changing = 0;
+        for (int x = 1; x < 200; ++x)
+            changing += scaled.pixel(x, 5) != scaled.pixel(x - 1, 5);
+        QVERIFY2(changing <= 8, qPrintable(QString::number(changing)));
+    }
+
+    void enlargingAndOtherFormats()
+    {
+        const QImage up = ScaleTo(halves(50, 20), QSize(60, 24));
+        QCOMPARE(up.size(), QSize(60, 24));
+        QCOMPARE(QColor(up.pixel(2, 10)), QColor(Qt::red));
+        QCOMPARE(QColor(up.pixel(57, 10)), QColor(Qt::blue));
+        const QImage grey = ScaleTo(halves(80, 40).convertToFormat(QImage::Format_Grayscale8),
+                                    QSize(40, 20));
+        QCOMPARE(grey.format(), QImage::Format_Grayscale8);
+        const QImage rgb = ScaleTo(halves(80, 40).convertToFormat(QImage::Format_RGB888),
+                                   QSize(40, 20));
+        QCOMPARE(rgb.format(), QImage::Format_RGB888);
+        QCOMPARE(QColor(rgb.pixel(37, 10)), QColor(Qt::blue));
+        // Half-transparent red over clear: the colours stay within their alpha.
+        QImage clear(100, 100, QImage::Format_ARGB32);
+        clear.fill(Qt::transparent);
+        for (int y = 0; y < 100; ++y)
+            for (int x = 0; x < 50; ++x)
+                clear.setPixel(x, y, qRgba(255, 0, 0, 128));
+        const QImage blended = ScaleTo(clear, QSize(33, 33));
+        QCOMPARE(blended.format(), QImage::Format_ARGB32_Premultiplied);
+        for (int x = 0; x < 33; ++x) {
+            const QRgb pixel = blended.pixel(x, 16);
+            QVERIFY(qRed(pixel) <= qAlpha(pixel) || qAlpha(pixel) == 0);
+        }
+        QCOMPARE(qAlpha(blended.pixel(2, 16)), 128);
+        QCOMPARE(qAlpha(blended.pixel(30, 16)), 0);
+    }
+
+    // A JPEG holds no transparency: what is clear comes out white.
+    void transparentPictureIsLaidOnWhiteInAJpeg()
+    {
+        QImage clear(40, 40, QImage::Format_ARGB32);
+        clear.fill(Qt::transparent);
+        for (int y = 0; y < 40; ++y)
+            for (int x = 0; x < 20; ++x)
+                clear.setPixel(x, y, qRgb(0, 0, 200));
+        QVERIFY(savepic(clear, path("clear.jpg")).ok);
+        QImageReader reader(path("clear.jpg"));
+        const QImage read = reader.read();
+        QVERIFY(qGray(read.pixel(35, 20)) > 245);
+        QVERIFY(qBlue(read.pixel(5, 20)) > 180 && qRed(read.pixel(5, 20)) < 40);
+    }
+
+    // The JPEG is made as "<name>_tmp.jpg" beside the copy and then put in its place; a GIF as
+    // "<name>_tmp.gif". Whatever stood under those names is gone afterwards.
+    void conversionGoesThroughTheTmpNames()
+    {
+        QVERIFY(QDir().mkpath(path("tmpnames")));
+        QVERIFY(writeFile(path("tmpnames/stale_tmp.jpg"), "left from before"));
+        QVERIFY(savepic(halves(30, 20), path("tmpnames/stale.jpg")).ok);
+        QVERIFY(!QFile::exists(path("tmpnames/stale_tmp.jpg")));
+        QVERIFY(isJpeg(readFile(path("tmpnames/stale.jpg"))));
+
+        // With a folder in the way of the temporary name, no JPEG can be made: the conversion
+        // message comes, and neither the copy nor the temporary file is left.
+        QVERIFY(QDir().mkpath(path("tmpnames/blocked_tmp.jpg")));
+        QVERIFY(writeFile(path("tmpnames/blocked.jpg"), "old copy"));
+        const SaveResult blocked = savepic(halves(30, 20), path("tmpnames/blocked.jpg"));
+        QVERIFY(!blocked.ok);
+        QVERIFY(blocked.message.startsWith("Error in file conversion. Retry.( Error "));
+        QVERIFY(!QFile::exists(path("tmpnames/blocked.jpg")));
+
+        QVERIFY(writeFile(path("tmpnames/anim_tmp.gif"), "left from before"));
+        QVERIFY(savepic(halves(30, 20), path("tmpnames/anim.gif")).ok);
+        QVERIFY(!QFile::exists(path("tmpnames/anim_tmp.gif")));
+        QVERIFY(isGif(readFile(path("tmpnames/anim.gif"))));
+        QVERIFY(QDir().mkpath(path("tmpnames/still_tmp.gif")));
+        const SaveResult still = savepic(halves(30, 20), path("tmpnames/still.gif"));
+        QVERIFY(!still.ok);
+        QVERIFY(still.message.isEmpty());
+        QVERIFY(isBitmap(readFile(path("tmpnames/still.gif"))));
+
+        // "a.jpg.d/b.bmp" is a JPEG made beside the folder, as "a_tmp.jpg".
+        QVERIFY(QDir().mkpath(path("tmpnames/a.jpg.d")));
+        QVERIFY(QDir().mkpath(path("tmpnames/a_tmp.jpg")));
+        QVERIFY(!savepic(halves(30, 20), path("tmpnames/a.jpg.d/b.bmp")).ok);
+    }
+
+    // Below 100 the copies are progressive; at 100 they are the baseline files of before.
+    void jpegQualityAndProgressiveCopies()
+    {
+        const QImage image = halves(64, 64);
+        QVERIFY(savepic(image, path("q100.jpg"), JpegOptions{100, true}).ok);
+        QCOMPARE(readFile(path("q100.jpg")), jpegBytes(image, 100));
+        QVERIFY(savepic(image, path("q85.jpg"), JpegOptions{85, true}).ok);
+        const QByteArray progressive = readFile(path("q85.jpg"));
+        QVERIFY(progressive.contains(QByteArray("\xFF\xC2", 2)));
+        QVERIFY(progressive.size() < readFile(path("q100.jpg")).size());
+        QVERIFY(savepic(image, path("q85b.jpg"), JpegOptions{85, false}).ok);
+        QVERIFY(!readFile(path("q85b.jpg")).contains(QByteArray("\xFF\xC2", 2)));
+    }
+
     void savepicPicksTheFormatByName_data()
     {
         QTest::addColumn<QString>("name");
@@ -242,10 +399,12 @@ private slots:
         QImageReader reader(path(name));
         reader.setDecideFormatFromContent(true);
         QCOMPARE(reader.read().size(), QSize(30, 20));
-        // No temporary file is left behind.
-        const QStringList left =
-            QDir(QFileInfo(path(name)).path()).entryList({"*_tmp*", "*.tmp", "*.new"}, QDir::Files);
-        QVERIFY2(left.isEmpty(), qPrintable(left.join(",")));
+        // No temporary file is left behind, beside the copy or beside its folder.
+        for (const QString &folder : {QFileInfo(path(name)).path(), path(QString())}) {
+            const QStringList left =
+                QDir(folder).entryList({"*_tmp*", "*.tmp", "*.new"}, QDir::Files);
+            QVERIFY2(left.isEmpty(), qPrintable(left.join(",")));
+        }
     }
 
     void jpegIsWrittenAtTheBestQuality()

@@ -252,6 +252,7 @@ bool PhotoBuildJob::PhotoPreviewButton()
     input.My_resize_0 = m_options.My_resize_0;
     input.My_resize_1 = m_options.My_resize_1;
     input.threads = m_options.sizingThreads;
+    input.jpeg = JpegOptionsFor(m_options.JpegQuality);
     const bool copied = CopyPhotos(preview, false, input, m_page, m_context.ui, state);
     m_window.showProgressFrame(false);
     if (!copied && state.skipped()) {

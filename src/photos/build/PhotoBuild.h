@@ -15,12 +15,15 @@ struct PhotoBuildOptions
     QString My_resize_1 = QStringLiteral("30"); // enlarged copy, % of the picture
     QString FTPRoot;
     QString ClientRoot;
+    // The JPEG quality of the copies (setting JpegQuality), from 50 to 100.
+    QString JpegQuality = QStringLiteral("85");
     // Worker threads for the sizing; 0: one per processor core.
     int sizingThreads = 0;
 };
 
 // The Send a Photo Page frame and the main window as the build sees them. Every member may run
-// the event loop; the defaults do nothing, so a window fills in what it shows.
+// the event loop. Each one is a thing the window must do for the build, so each is pure: a
+// window that forgets one does not build.
 class PhotoBuildWindow
 {
 public:
@@ -28,30 +31,30 @@ public:
 
     virtual PhotoBuildOptions options() const = 0;
     // The build's check boxes and RunWithoutMenu, read each time they are looked at.
-    virtual bool titlePrompt() const { return false; }
-    virtual bool filePrompt() const { return false; }
-    virtual bool skipImageInfo() const { return false; }
-    virtual bool runWithoutConnections() const { return false; }
+    virtual bool titlePrompt() const = 0;
+    virtual bool filePrompt() const = 0;
+    virtual bool skipImageInfo() const = 0;
+    virtual bool runWithoutConnections() const = 0;
 
     // File3 and File4 re-read from their folders; File2 too.
-    virtual void refreshReadyList() {}
-    virtual void refreshHistoryList() {}
-    virtual void refreshSourceList() {}
+    virtual void refreshReadyList() = 0;
+    virtual void refreshHistoryList() = 0;
+    virtual void refreshSourceList() = 0;
     // Selects or unselects row of File3, so that its picture shows.
-    virtual void selectReadyRow(int /*row*/, bool /*selected*/) {}
+    virtual void selectReadyRow(int row, bool selected) = 0;
     // Image5: the thumbnail just sent.
-    virtual void showThumbnail(const QString & /*path*/) {}
-    virtual void showProgressFrame(bool /*show*/) {}
+    virtual void showThumbnail(const QString &path) = 0;
+    virtual void showProgressFrame(bool show) = 0;
     // The hourglass.
-    virtual void setBusy(bool /*busy*/) {}
+    virtual void setBusy(bool busy) = 0;
     // The main window's caption.
-    virtual void setCaption(const QString & /*caption*/) {}
-    virtual void shapeEvent(int /*step*/) {}
+    virtual void setCaption(const QString &caption) = 0;
+    virtual void shapeEvent(int step) = 0;
     // Empties the working images of the home folder, re-reads the lists and clears the record.
-    virtual void DoCleanup() {}
+    virtual void DoCleanup() = 0;
     // FTP_page_pointer and FTP_pointer of the History tab.
-    virtual void setPagePointer(const QString & /*pointer*/) {}
-    virtual void setThumbnailPointers(const QString & /*pointers*/) {}
+    virtual void setPagePointer(const QString &pointer) = 0;
+    virtual void setThumbnailPointers(const QString &pointers) = 0;
 };
 
 // How a press of Build All ended.

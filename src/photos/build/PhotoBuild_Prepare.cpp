@@ -82,6 +82,7 @@ bool PhotoBuildJob::PrepareFile(bool ask)
     input.My_resize_0 = m_options.My_resize_0;
     input.My_resize_1 = m_options.My_resize_1;
     input.threads = m_options.sizingThreads;
+    input.jpeg = JpegOptionsFor(m_options.JpegQuality);
     return CopyPhotos(ImageRoot, ask, input, m_page, m_context.ui, m_context.state);
 }
 

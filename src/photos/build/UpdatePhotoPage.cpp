@@ -1,5 +1,6 @@
 #include "UpdatePhotoPage.h"
 
+#include "CopyPhotos.h"
 #include "Helpers.h"
 #include "History.h"
 #include "JobState.h"
@@ -63,14 +64,11 @@ int TransferFiles(PhotoPage &page, const QString &workingFolder, JobUi &ui, JobS
         if (order.isEmpty())
             order = QStringLiteral("00000");
 
-        const QString source = page.PhotoPath[i] + QLatin1Char('/') + page.PhotoName[i];
+        // A picture that went onto the list as a JPEG is converted again from its source.
+        const QString source = FindSourceOf(page.PhotoPath[i], page.PhotoName[i]);
         const QString target =
             workingFolder + QLatin1Char('/') + order + QLatin1Char('_') + page.PhotoName[i];
-        bool ok = QFileInfo(source).isFile();
-        if (ok) {
-            DoKill(target);
-            ok = QFile::copy(source, target);
-        }
+        const bool ok = !source.isEmpty() && CopyToReadyListLive(source, target).isEmpty();
         if (ok) {
             ++copied;
         } else {

@@ -1,49 +1,35 @@
 #include "PictureLoader.h"
 
-#include <QImageReader>
+#include "PictureDecoder.h"
+#include "PictureSizing.h"
 
-namespace {
+#include <QColorSpace>
 
-bool turnsQuarter(QImageIOHandler::Transformations transformation)
-{
-    return transformation.testFlag(QImageIOHandler::TransformationRotate90);
-}
-
-} // namespace
+// The views decode through the same reader as the sizing: every format the photo function
+// takes (HEIC too), upright, in sRGB.
 
 QImage ReadPicture(const QString &path)
 {
     if (path.isEmpty())
         return QImage();
-    QImageReader reader(path);
-    reader.setAutoTransform(true);
-    reader.setDecideFormatFromContent(true);
-    return reader.read();
+    return DecodePicture(path, QSize(), PictureMemoryBudget).image;
 }
 
 QSize ReadPictureSize(const QString &path)
 {
     if (path.isEmpty())
         return QSize();
-    QImageReader reader(path);
-    reader.setDecideFormatFromContent(true);
-    const QSize raw = reader.size();
-    if (!raw.isValid())
-        return QSize();
-    return turnsQuarter(reader.transformation()) ? raw.transposed() : raw;
+    const PictureHeader header = ReadPictureHeader(path);
+    return header.ok() ? header.upright() : QSize();
 }
 
 QImage ReadPictureScaled(const QString &path, const QSize &size)
 {
     if (path.isEmpty() || !size.isValid() || size.isEmpty())
         return QImage();
-    QImageReader reader(path);
-    reader.setAutoTransform(true);
-    reader.setDecideFormatFromContent(true);
-    const QSize raw = reader.size();
-    // The reader scales before it turns the picture upright.
-    const QSize wanted = turnsQuarter(reader.transformation()) ? size.transposed() : size;
-    if (raw.isValid() && wanted.width() < raw.width() && wanted.height() < raw.height())
-        reader.setScaledSize(wanted);
-    return reader.read();
+    const QImage picture = DecodePicture(path, size, PictureMemoryBudget).image;
+    if (picture.isNull() || (picture.width() <= size.width() && picture.height() <= size.height()))
+        return picture;
+    // A preview: Qt's smooth scaling is good enough and quick.
+    return picture.scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 }

@@ -2,10 +2,12 @@
 
 namespace {
 
+// The characters of the list, and the control characters (NUL, line breaks, tabs ...) which no
+// directory name on a server can hold and which would end the command that names it.
 bool isUnwanted(QChar c)
 {
     static const QString unwanted = QStringLiteral(".><{}][&+'%#@~;:^/\\?*|");
-    return unwanted.contains(c);
+    return unwanted.contains(c) || c.unicode() < 0x20 || c.unicode() == 0x7f;
 }
 
 } // namespace

@@ -6,8 +6,9 @@
 // Names of directories on the web space, as the user types them.
 
 // Takes out every character that can't stand in a directory name on the web space:
-// . > < { } ] [ & + ' % # @ ~ ; : ^ / \ ? * |
-// Used for the Send a File directory and for ClientRoot.
+// . > < { } ] [ & + ' % # @ ~ ; : ^ / \ ? * | and the control characters (below the blank, and
+// DEL). Cleaning a cleaned name changes nothing. Used for the Send a File directory and for
+// ClientRoot.
 QString CleanDirectoryName(const QString &text);
 
 // The cleaner as a text field applies it at each change: the cleaned text and where the caret

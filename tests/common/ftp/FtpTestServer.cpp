@@ -43,6 +43,11 @@ QString FtpTestServer::scriptPath()
     return QStringLiteral(TARNWICK_FTP_SERVER_SCRIPT);
 }
 
+QString FtpTestServer::hostileScriptPath()
+{
+    return QStringLiteral(TARNWICK_HOSTILE_FTP_SERVER_SCRIPT);
+}
+
 QString FtpTestServer::pythonProgram()
 {
     static const QString program = [] {
@@ -72,7 +77,7 @@ bool FtpTestServer::start()
         m_error = QStringLiteral("python3 with pyftpdlib is not installed (python3-pyftpdlib)");
         return false;
     }
-    QStringList arguments = {scriptPath(),
+    QStringList arguments = {m_options.hostile ? hostileScriptPath() : scriptPath(),
                              QStringLiteral("--home"),
                              m_home.path(),
                              QStringLiteral("--user"),

@@ -28,6 +28,10 @@ public:
         int times = 1;
         // pyftpdlib's permission letters; "elr" makes a read-only account.
         QString permissions = QStringLiteral("elradfmwMT");
+        // The hostile server of hostileserver.py instead of pyftpdlib: its faults are the
+        // behaviours listed there (overlong lines, huge and endless listings, names holding
+        // "../", "/", NUL and line breaks, reply codes out of range).
+        bool hostile = false;
     };
 
     FtpTestServer();
@@ -61,6 +65,7 @@ public:
     static QString pythonProgram();
     // The server script, for tools that want to start it themselves.
     static QString scriptPath();
+    static QString hostileScriptPath();
 
 private:
     Options m_options;

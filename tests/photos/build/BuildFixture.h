@@ -49,11 +49,21 @@ public:
     bool filePrompt() const override { return file_prompt; }
     bool skipImageInfo() const override { return Skip_image_info; }
     bool runWithoutConnections() const override { return RunWithoutMenu; }
+    void refreshReadyList() override { ++readyRefreshes; }
+    void refreshHistoryList() override { ++historyRefreshes; }
+    void refreshSourceList() override { ++sourceRefreshes; }
+    void selectReadyRow(int row, bool selected) override
+    {
+        if (selected)
+            selectedRows.append(row);
+    }
     void showProgressFrame(bool show) override { progressShown = show; }
+    void setBusy(bool on) override { busy = on; }
     void setCaption(const QString &text) override { caption = text; }
     void shapeEvent(int step) override { shapeEvents.append(step); }
     void DoCleanup() override { ++cleanups; }
     void setPagePointer(const QString &pointer) override { pagePointer = pointer; }
+    void setThumbnailPointers(const QString &pointers) override { thumbnailPointers = pointers; }
     void showThumbnail(const QString &path) override { thumbnails.append(path); }
 
     FtpAccount account_;
@@ -66,7 +76,13 @@ public:
     QString uploadPath;
     QString caption;
     QString pagePointer;
+    QString thumbnailPointers;
     QStringList thumbnails;
+    QList<int> selectedRows;
+    int readyRefreshes = 0;
+    int historyRefreshes = 0;
+    int sourceRefreshes = 0;
+    bool busy = false;
     QList<int> shapeEvents;
     bool progressShown = false;
     int disconnects = 0;
@@ -103,6 +119,37 @@ inline bool makePhoto(const QString &path, const QColor &colour, int width = 320
     return image.save(path, "JPEG", 90);
 }
 
+// A camera-like JPEG of 2400 x 1800 at quality 95: soft colour gradients and shapes under a
+// fine grain, as a sensor gives it; seed varies the scene.
+inline bool makeCameraPhoto(const QString &path, int seed)
+{
+    QImage image(2400, 1800, QImage::Format_RGB32);
+    QPainter painter(&image);
+    QLinearGradient sky(0, 0, 2400, 1800);
+    sky.setColorAt(0, QColor::fromHsv((seed * 37) % 360, 120, 230));
+    sky.setColorAt(1, QColor::fromHsv((seed * 37 + 90) % 360, 160, 120));
+    painter.fillRect(image.rect(), sky);
+    painter.setPen(Qt::NoPen);
+    for (int i = 0; i < 12; ++i) {
+        painter.setBrush(QColor::fromHsv((seed * 53 + i * 29) % 360, 140, 200));
+        painter.drawEllipse(QPoint((seed * 97 + i * 151) % 2400, (seed * 61 + i * 83) % 1800),
+                            100 + i * 18, 75 + i * 12);
+    }
+    painter.end();
+    quint32 state = quint32(seed) * 2654435761u + 1;
+    for (int y = 0; y < image.height(); ++y) {
+        auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
+        for (int x = 0; x < image.width(); ++x) {
+            state = state * 1664525u + 1013904223u;
+            const int grain = int(state >> 28) * 3 / 4 - 6;
+            const QRgb pixel = line[x];
+            line[x] = qRgb(qBound(0, qRed(pixel) + grain, 255), qBound(0, qGreen(pixel) + grain, 255),
+                           qBound(0, qBlue(pixel) + grain, 255));
+        }
+    }
+    return image.save(path, "JPEG", 95);
+}
+
 struct Photo
 {
     QString name;  // as the source folder holds it
@@ -133,13 +180,23 @@ inline bool putOnList(PhotoPage &page, const QString &sourceFolder, const QStrin
     return true;
 }
 
-// The thumbnails a page shows, in the page's order.
-inline QStringList thumbnailsOf(const QString &pagePath)
+// The page as a browser shows it: its text without comments; empty when there is no page.
+inline QString shownPage(const QString &pagePath)
 {
     QFile file(pagePath);
     if (!file.open(QIODevice::ReadOnly))
+        return QString();
+    static const QRegularExpression comment(QStringLiteral("<!--.*?-->"),
+                                            QRegularExpression::DotMatchesEverythingOption);
+    return QString::fromUtf8(file.readAll()).remove(comment);
+}
+
+// The thumbnails a page shows, in the page's order.
+inline QStringList thumbnailsOf(const QString &pagePath)
+{
+    if (!QFileInfo(pagePath).isFile())
         return {QStringLiteral("<no page>")};
-    const QString text = QString::fromUtf8(file.readAll());
+    const QString text = shownPage(pagePath);
     QStringList found;
     static const QRegularExpression source(QStringLiteral("src=\"(Sml_[^\"]+)\""));
     for (auto it = source.globalMatch(text); it.hasNext();)
@@ -150,10 +207,7 @@ inline QStringList thumbnailsOf(const QString &pagePath)
 // Every "Sml_" and "Lrg_" file a page links to.
 inline QStringList linksOf(const QString &pagePath)
 {
-    QFile file(pagePath);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    const QString text = QString::fromUtf8(file.readAll());
+    const QString text = shownPage(pagePath);
     QStringList found;
     static const QRegularExpression link(QStringLiteral("(?:src|href)=\"((?:Sml|Lrg)_[^\"]+)\""));
     for (auto it = link.globalMatch(text); it.hasNext();)

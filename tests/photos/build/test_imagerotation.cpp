@@ -2,6 +2,8 @@
 #include "ScriptedUi.h"
 #include "TestMain.h"
 
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QImage>
 #include <QPainter>
@@ -91,6 +93,50 @@ private slots:
         QCOMPARE(again.size(), QSize(640, 480));
         QVERIFY(near(again.pixel(5, 5), Qt::red));
         QVERIFY(near(again.pixel(634, 474), Qt::white));
+    }
+
+    // The turned picture is converted through "<target>_tmp.jpg" or "<target>_tmp.gif": a
+    // folder standing under that name stops the conversion with its message, and a stale file
+    // of that name is gone after a turn.
+    void theTurnIsConvertedThroughTheTmpNames_data()
+    {
+        QTest::addColumn<QString>("extension");
+        QTest::addColumn<bool>("parallelogram");
+        QTest::newRow("jpg") << ".jpg" << true;
+        QTest::newRow("jpg, bitmap route") << ".jpg" << false;
+        QTest::newRow("gif") << ".gif" << true;
+    }
+    void theTurnIsConvertedThroughTheTmpNames()
+    {
+        QFETCH(QString, extension);
+        QFETCH(bool, parallelogram);
+        QTemporaryDir folder;
+        const QString source = folder.filePath(QStringLiteral("Tree.bmp"));
+        QVERIFY(corners(64, 48).save(source));
+        const QString target = folder.filePath(QStringLiteral("Tree_Left") + extension);
+        const QString temp = folder.filePath(QStringLiteral("Tree_Left_tmp") + extension);
+
+        QFile stale(temp);
+        QVERIFY(stale.open(QIODevice::WriteOnly) && stale.write("stale") == 5);
+        stale.close();
+        ScriptedUi ui;
+        QVERIFY(RotateLeft(source, target, ui, {parallelogram}).ok);
+        QVERIFY(!QFileInfo::exists(temp));
+        QCOMPARE(QImage(target).size(), QSize(48, 64));
+
+        QVERIFY(QFile::remove(target));
+        QVERIFY(QDir().mkpath(temp));
+        ScriptedUi blocked;
+        const RotationResult result = RotateLeft(source, target, blocked, {parallelogram});
+        QVERIFY(!result.ok);
+        if (extension == QStringLiteral(".jpg")) {
+            QVERIFY(result.error.startsWith(QStringLiteral("Error in file conversion. Retry.( "
+                                                           "Error ")));
+            QVERIFY(!QFileInfo::exists(target));
+        } else {
+            // No GIF: the bitmap stays under the ".gif" name.
+            QVERIFY(QFileInfo::exists(target));
+        }
     }
 
     void theTurnMovesEveryPixelUnchanged()

@@ -6,13 +6,77 @@
 #include "TestMain.h"
 #include "TransferUi.h"
 
+#include <QColor>
 #include <QMimeData>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 
 using namespace BuildFixture;
+
+namespace {
+
+// The last value given to property in the rule for selector of the page's style sheet.
+QString cssValue(const QString &page, const QString &selector, const QString &property)
+{
+    const QRegularExpression rule(QStringLiteral("\\n\\s*") +
+                                  QRegularExpression::escape(selector) +
+                                  QStringLiteral("\\s*\\{([^}]*)\\}"));
+    const QString body = rule.match(page).captured(1);
+    const QRegularExpression declaration(QStringLiteral("(?:^|[;\\s])") +
+                                         QRegularExpression::escape(property) +
+                                         QStringLiteral("\\s*:\\s*([^;]+);"));
+    QString value;
+    for (auto it = declaration.globalMatch(body); it.hasNext();)
+        value = it.next().captured(1).trimmed();
+    return value;
+}
+
+// PSNR in dB between two pictures of one size over red, green and blue.
+double psnr(const QImage &a, const QImage &b)
+{
+    if (a.size() != b.size() || a.isNull())
+        return 0;
+    const QImage x = a.convertToFormat(QImage::Format_RGB888);
+    const QImage y = b.convertToFormat(QImage::Format_RGB888);
+    double squares = 0;
+    for (int row = 0; row < x.height(); ++row) {
+        const uchar *p = x.constScanLine(row);
+        const uchar *q = y.constScanLine(row);
+        for (int i = 0; i < x.width() * 3; ++i)
+            squares += double(p[i] - q[i]) * double(p[i] - q[i]);
+    }
+    const double mse = squares / (double(x.width()) * x.height() * 3);
+    return mse == 0 ? 99 : 10 * std::log10(255.0 * 255.0 / mse);
+}
+
+// A JPEG written in progressive scans: its frame marker is SOF2.
+bool isProgressiveJpeg(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && file.readAll().contains(QByteArray("\xFF\xC2", 2));
+}
+
+// The contrast ratio of two colours as the web's accessibility guidelines count it.
+double contrast(const QColor &a, const QColor &b)
+{
+    const auto luminance = [](const QColor &colour) {
+        const auto linear = [](double value) {
+            return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+               0.0722 * linear(colour.blueF());
+    };
+    const double x = luminance(a) + 0.05;
+    const double y = luminance(b) + 0.05;
+    return std::max(x, y) / std::min(x, y);
+}
+
+} // namespace
 
 // Build All against a real FTP server: twelve pictures from a folder to a page on the web space.
 class TestPhotoBuild : public QObject
@@ -236,6 +300,16 @@ private slots:
         QVERIFY(world->window->caption.startsWith(QStringLiteral("Connected to 127.0.0.1:")));
         QVERIFY(world->window->shapeEvents.contains(0));
         QCOMPARE(world->window->cleanups, 1);
+        // What the window was asked to do: the lists re-read, the hourglass off again, the
+        // History tab's thumbnail pointers one line per thumbnail sent, each thumbnail shown.
+        QVERIFY(world->window->readyRefreshes > 0);
+        QVERIFY(world->window->historyRefreshes > 0);
+        QVERIFY(!world->window->busy);
+        QCOMPARE(world->window->thumbnailPointers.count(QStringLiteral("\r\n")), 12);
+        QVERIFY(world->window->thumbnailPointers.contains(
+            QStringLiteral("www.example.com/Photos/Trip_to_NY_May_2007/Sml_00070_Tree_Left.jpg")));
+        QCOMPARE(world->window->thumbnails.size(), 12);
+        QVERIFY(world->window->selectedRows.isEmpty()); // no prompt for each picture
     }
 
     void theTitlePromptAsksForTitleAndIntroduction()
@@ -266,6 +340,120 @@ private slots:
         QCOMPARE(ListPictureFiles(world->workingPath()).size(), 12);
         QVERIFY(!world->ui.clipboard);
         QVERIFY(world->server.commands().isEmpty());
+    }
+
+    // The page built with the default templates and the default colours: the title readable
+    // on its band, the text on the page, every thumbnail of even size with its width, height
+    // and alternative text, and each a plain link to its larger copy.
+    void theDefaultPageIsReadableAndEven()
+    {
+        auto world = makeWorld();
+        world->window->RunWithoutMenu = true;
+        PhotoPage &record = world->state.current<PhotoPage>();
+        const int quiet = FindPhoto(record, QStringLiteral("Park.jpg"), QStringLiteral("00040"));
+        QVERIFY(PhotoPage::isRow(quiet));
+        record.PhotoInfo[quiet].clear();
+        world->ui.answerPrompt(QStringLiteral("Colours"));
+        QCOMPARE(world->run(), PhotoBuildOutcome::BuiltLocally);
+        const QString page = shownPage(world->lastImageRoot + QStringLiteral("/Colours/Photos.htm"));
+        QVERIFY(!page.isEmpty());
+
+        const QColor title(cssValue(page, QStringLiteral("h1"), QStringLiteral("color")));
+        const QColor band(
+            cssValue(page, QStringLiteral(".masthead"), QStringLiteral("background-color")));
+        const QColor text(cssValue(page, QStringLiteral("body"), QStringLiteral("color")));
+        const QColor ground(
+            cssValue(page, QStringLiteral("body"), QStringLiteral("background-color")));
+        QCOMPARE(title, QColor(QStringLiteral("#008000")));  // the setting's default
+        QCOMPARE(ground, QColor(QStringLiteral("#7F7FFF"))); // the setting's default
+        QVERIFY2(contrast(title, band) >= 4.5, qPrintable(QString::number(contrast(title, band))));
+        QVERIFY2(contrast(text, ground) >= 4.5, qPrintable(QString::number(contrast(text, ground))));
+        // The title stands on its band.
+        QVERIFY(page.contains(QRegularExpression(
+            QStringLiteral("<header class=\"masthead\">\\s*<h1>Photos</h1>\\s*</header>"))));
+
+        static const QRegularExpression thumbnail(QStringLiteral(
+            "<a href=\"(Lrg_[^\"]+)\">\\s*<img src=\"(Sml_[^\"]+)\" ([^>]*)>\\s*</a>"));
+        int count = 0;
+        for (auto it = thumbnail.globalMatch(page); it.hasNext();) {
+            const auto match = it.next();
+            ++count;
+            QCOMPARE(match.captured(1).mid(4), match.captured(2).mid(4));
+            const QString attributes = match.captured(3);
+            QVERIFY2(attributes.contains(QStringLiteral("width=\"400\" height=\"300\"")),
+                     qPrintable(attributes));
+            const QString name = match.captured(2).mid(4 + 6); // less "Sml_" and the group
+            if (name == QStringLiteral("Park.jpg"))
+                QVERIFY2(attributes.contains(QStringLiteral("alt=\"Sml_00040_Park.jpg\"")),
+                         qPrintable(attributes));
+            else
+                QVERIFY2(attributes.contains(QStringLiteral("alt=\"Caption of ") + name +
+                                             QLatin1Char('"')),
+                         qPrintable(attributes));
+        }
+        QCOMPARE(count, 11);
+        QCOMPARE(page.count(QStringLiteral("<img ")), 11);
+        // The view over the page, in the page itself.
+        QVERIFY(page.contains(QStringLiteral("<dialog class=\"viewer\"")));
+        QVERIFY(page.contains(QStringLiteral("showModal")));
+    }
+
+    // Pages light enough for a phone: at the default quality (85, progressive) the page and its
+    // thumbnails, what a visitor loads first, weigh under a fifth of the same page at 100, and
+    // every copy keeps a PSNR of 40 dB or more against its quality-100 twin.
+    void theDefaultQualityMakesALightPage()
+    {
+        auto world = makeWorld();
+        world->window->RunWithoutMenu = true;
+        // Thumbnails of 600 x 450 pixels, about those of a 12-megapixel photo at the default 15%.
+        world->window->options_.My_resize_0 = QStringLiteral("25");
+        world->window->options_.My_resize_1 = QStringLiteral("50");
+        // Camera-like pictures: a scene under a fine grain, as a sensor gives it.
+        int seed = 1;
+        for (const QString &entry : ListPictureFiles(world->workingPath()))
+            QVERIFY(makeCameraPhoto(world->workingPath() + QLatin1Char('/') + entry, seed++));
+        const auto build = [&](const QString &quality, const QString &keep) {
+            world->window->options_.JpegQuality = quality;
+            world->ui.answerPrompt(QStringLiteral("Light"));
+            QCOMPARE(world->run(), PhotoBuildOutcome::BuiltLocally);
+            QDir().mkpath(keep);
+            QDir images(world->lastImageRoot);
+            for (const QString &name : images.entryList({QStringLiteral("*_*.jpg")}, QDir::Files))
+                QVERIFY(QFile::copy(images.filePath(name), keep + QLatin1Char('/') + name));
+            QVERIFY(QFile::copy(world->lastImageRoot + QStringLiteral("/Light/Photos.htm"),
+                                keep + QStringLiteral("/Photos.htm")));
+        };
+        QTemporaryDir kept;
+        build(QStringLiteral("85"), kept.filePath(QStringLiteral("85")));
+        build(QStringLiteral("100"), kept.filePath(QStringLiteral("100")));
+
+        const auto weight = [&](const QString &folder) {
+            qint64 bytes = QFileInfo(folder + QStringLiteral("/Photos.htm")).size();
+            for (const QFileInfo &file :
+                 QDir(folder).entryInfoList({QStringLiteral("Sml_*")}, QDir::Files))
+                bytes += file.size();
+            return bytes;
+        };
+        const qint64 light = weight(kept.filePath(QStringLiteral("85")));
+        const qint64 full = weight(kept.filePath(QStringLiteral("100")));
+        qInfo("page and thumbnails: %lld bytes at quality 85, %lld at 100", light, full);
+        QVERIFY2(light * 5 < full, qPrintable(QStringLiteral("%1 against %2").arg(light).arg(full)));
+
+        const QStringList copies =
+            QDir(kept.filePath(QStringLiteral("85"))).entryList({QStringLiteral("*_*.jpg")});
+        QCOMPARE(copies.size(), 24);
+        double lowest = 99;
+        for (const QString &name : copies) {
+            const QString light85 = kept.filePath(QStringLiteral("85/") + name);
+            QVERIFY2(QFile(light85).open(QIODevice::ReadOnly), qPrintable(name));
+            QVERIFY(isProgressiveJpeg(light85));
+            QVERIFY(!isProgressiveJpeg(kept.filePath(QStringLiteral("100/") + name)));
+            const double db =
+                psnr(QImage(light85), QImage(kept.filePath(QStringLiteral("100/") + name)));
+            lowest = std::min(lowest, db);
+            QVERIFY2(db >= 40, qPrintable(QStringLiteral("%1: %2 dB").arg(name).arg(db)));
+        }
+        qInfo("lowest PSNR of a copy at 85 against its twin at 100: %.1f dB", lowest);
     }
 
     void thePhotoPromptStoresTextAndSide()
@@ -305,6 +493,8 @@ private slots:
         const QString text = QString::fromUtf8(built.readAll());
         QVERIFY(text.contains(QStringLiteral("photo left")));
         QVERIFY(text.contains(QStringLiteral("Text 2")));
+        // Each picture was shown (selected in File3) while its prompt stood.
+        QCOMPARE(world->window->selectedRows, QList<int>({0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}));
     }
 
     void leavingAPhotoPromptEndsInSilence()

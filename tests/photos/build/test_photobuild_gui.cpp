@@ -9,7 +9,10 @@
 #include "ReadyToSendPage.h"
 #include "Settings.h"
 #include "SettingsKeys.h"
+#include "StepRing.h"
 #include "TestMain.h"
+#include "TestWidgets.h"
+#include "../TodaysPictures.h"
 #include "WebSpace.h"
 #include "frmAction.h"
 #include "frmInputBox.h"
@@ -108,10 +111,7 @@ private:
 
     static QPushButton *button(QWidget *root, const QString &name)
     {
-        auto *found = root->findChild<QPushButton *>(name);
-        if (!found)
-            qWarning("no button %s", qPrintable(name));
-        return found;
+        return TestWidgets::child<QPushButton>(root, name);
     }
 
     // Copies one picture of File2 with the copy button of index, in group.
@@ -245,9 +245,16 @@ private slots:
         QVERIFY(loadHst->isEnabled());
         if (const QString shots = qEnvironmentVariable("TARNWICK_SCREENSHOT_DIR"); !shots.isEmpty())
             window.grab().save(shots + QStringLiteral("/photobuild_history_tab.png"));
+        window.shapeEvent(1);
         loadHst->click();
         QCOMPARE(ListPictureFiles(working.path()).size(), 12);
         QCOMPARE(frame->TabStrip2()->currentIndex(), 0);
+        // The pictures are on the list again: the rings point at Build All next.
+        QVERIFY(window.ring(1)->isShown());
+        QCOMPARE(window.ring(1)->target(), buildAll);
+        QCOMPARE(window.ring(1)->colour(), frmMain::RingYellow);
+        QVERIFY(window.ring(2)->isShown() && window.ring(3)->isShown());
+        QVERIFY(!window.ring(0)->isShown());
         QCOMPARE(button(&window, QStringLiteral("ShowHistoryButton"))->text(),
                  QStringLiteral("Display History List"));
 
@@ -271,6 +278,113 @@ private slots:
         QVERIFY(QFileInfo(folder + QStringLiteral("/Sml_00050_Zoo.jpg")).isFile());
         pump.stop();
     }
+    // A folder as a phone and a camera of today fill it: a HEIC turned by its EXIF block and in
+    // Display P3, a WebP, a PNG with transparency, a 16-bit TIFF, and a ".heic" of junk. Each
+    // picture shows in the list and in the preview, goes onto the list as a JPEG, and reaches
+    // the server upright and in sRGB as a colour-managed converter makes it; the junk is named
+    // in a message and the rest goes on.
+    void todaysPicturesGoUpAsUprightJpegs()
+    {
+        using namespace TodaysPictures;
+        FtpTestServer server;
+        QVERIFY2(server.start(), qPrintable(server.errorString()));
+        QTemporaryDir source, working;
+        QString why;
+        QVERIFY2(writeHeic(source.filePath(QStringLiteral("IMG_0042.HEIC")), 800, 600, &why),
+                 qPrintable(why));
+        QVERIFY(scene(640, 480).save(source.filePath(QStringLiteral("Lake.webp")), "WEBP", 90));
+        QVERIFY(transparentPicture(400, 200).save(source.filePath(QStringLiteral("Logo.png"))));
+        QVERIFY(deepScene(640, 480).save(source.filePath(QStringLiteral("Scan.tif")), "TIFF"));
+        QFile junk(source.filePath(QStringLiteral("Broken.heic")));
+        QVERIFY(junk.open(QIODevice::WriteOnly) && junk.write(QByteArray(300, 'j')) == 300);
+        junk.close();
+        SaveSetting(SettingKey::TempPath, working.path());
+        SaveSetting(QStringLiteral("CopyPath"), source.path());
+        SaveSetting(SettingKey::PromptForTitle, QStringLiteral("False"));
+        SaveSetting(SettingKey::PromptForDescription, QStringLiteral("False"));
+
+        JobState state;
+        cFTP ftp(state);
+        frmMain window(state);
+        PhotoFrame *frame = InstallPhotoFrame(window);
+        PhotoBuildController *build = InstallPhotoBuild(window, *frame, *new WebSpace(window, ftp));
+        frmAction::Install(state, &window, [&window] { window.HelpButton_Click(); });
+        frame->readFolders();
+        window.txtServer()->setText(server.server());
+        window.txtUser()->setText(server.user());
+        window.txtPassword()->setText(server.password());
+        window.txtWebSite()->setText(QStringLiteral("www.example.com"));
+        window.resize(1200, 800);
+        window.show();
+        window.FunctionSelectButton_Click(0);
+        Driver driver;
+        driver.window = &window;
+        QTimer pump;
+        QObject::connect(&pump, &QTimer::timeout, [&driver] { driver.tick(); });
+        pump.start(2);
+
+        auto *file2 = frame->findChild<QListWidget *>(QStringLiteral("File2"));
+        const QStringList names = {QStringLiteral("Broken.heic"), QStringLiteral("IMG_0042.HEIC"),
+                                   QStringLiteral("Lake.webp"), QStringLiteral("Logo.png"),
+                                   QStringLiteral("Scan.tif")};
+        QStringList listed;
+        for (int i = 0; i < file2->count(); ++i)
+            listed << file2->item(i)->text();
+        QCOMPARE(listed, names);
+        // Each picture shows in the preview when its row is clicked; the junk leaves it empty.
+        auto *preview = frame->findChild<QLabel *>(QStringLiteral("CurrentImage"));
+        for (int i = 0; i < file2->count(); ++i) {
+            QTest::mouseClick(file2->viewport(), Qt::LeftButton, Qt::NoModifier,
+                              file2->visualItemRect(file2->item(i)).center());
+            QCOMPARE(preview->pixmap().isNull(), names.at(i) == QStringLiteral("Broken.heic"));
+        }
+        // The upright HEIC shows wider than tall.
+        QTest::mouseClick(file2->viewport(), Qt::LeftButton, Qt::NoModifier,
+                          file2->visualItemRect(file2->item(1)).center());
+        QVERIFY(preview->pixmap().width() > preview->pixmap().height());
+
+        file2->selectAll();
+        button(frame, QStringLiteral("CopyButton_0"))->click();
+        QCOMPARE(ListPictureFiles(working.path()),
+                 QStringList({QStringLiteral("00050_IMG_0042.jpg"), QStringLiteral("00050_Lake.jpg"),
+                              QStringLiteral("00050_Logo.jpg"), QStringLiteral("00050_Scan.jpg")}));
+        QCOMPARE(driver.messages.size(), 1);
+        QVERIFY2(driver.messages.at(0).contains(QStringLiteral("Broken.heic")),
+                 qPrintable(driver.messages.at(0)));
+        QCOMPARE(state.current<PhotoPage>().PhotoNumber, qint16(4));
+
+        driver.answers.enqueue(QStringLiteral("Phone photos"));
+        button(&window, QStringLiteral("cmdBuildAll"))->click();
+        QCOMPARE(build->lastOutcome(), PhotoBuildOutcome::Sent);
+        pump.stop();
+        QCOMPARE(driver.messages.size(), 1);
+
+        const QString folder = server.localPath(QStringLiteral("/Photos/Phone_photos"));
+        const QStringList onServer = QDir(folder).entryList(QDir::Files, QDir::Name);
+        QCOMPARE(onServer.size(), 2 * 4 + 1);
+        for (const QString &name : onServer) {
+            if (name == QStringLiteral("Photos.htm"))
+                continue;
+            QFile copy(folder + QLatin1Char('/') + name);
+            QVERIFY(copy.open(QIODevice::ReadOnly));
+            QVERIFY2(copy.read(3) == QByteArray("\xFF\xD8\xFF", 3), qPrintable(name));
+        }
+        // Upright, and in the colours the reference converter gives the Display P3 scene.
+        const QImage large(folder + QStringLiteral("/Lrg_00050_IMG_0042.jpg"));
+        QCOMPARE(large.size(), QSize(240, 180));
+        const QImage reference = referenceToSRgb(displayP3Scene(800, 600))
+                                     .scaled(240, 180, Qt::IgnoreAspectRatio,
+                                             Qt::SmoothTransformation);
+        const double difference = meanDeltaE(large, reference);
+        qInfo("Lrg_ copy of the HEIC: mean CIELAB difference %.2f", difference);
+        QVERIFY2(difference < 2, qPrintable(QString::number(difference)));
+        const QImage logo(folder + QStringLiteral("/Lrg_00050_Logo.jpg"));
+        QVERIFY(qGray(logo.pixel(logo.width() - 5, logo.height() / 2)) > 240);
+        QCOMPARE(QImage(folder + QStringLiteral("/Sml_00050_Scan.jpg")).size(), QSize(96, 72));
+        for (const QString &link : linksOf(folder + QStringLiteral("/Photos.htm")))
+            QVERIFY2(onServer.contains(link), qPrintable(link));
+    }
+
     // Save All of a page without a name asks as Build All does: the name is cleaned of what a
     // file name can't hold, and with title_prompt ticked the title and introduction are asked.
     // A new page of one picture saved by Save All on the real window, the name prompt answered
@@ -469,7 +583,10 @@ private slots:
         const QString html = QString::fromUtf8(built.readAll());
         QVERIFY(html.contains(QStringLiteral("<h1>Our trip</h1>")));
         QVERIFY(!html.contains(QStringLiteral("<h1>Our trip at dusk</h1>")));
-        QCOMPARE(html.count(QStringLiteral("Our trip at dusk")), 1);
+        // As the caption (and as the picture's alternative text) of one photo only.
+        const QString shown = shownPage(built.fileName());
+        QCOMPARE(shown.count(QStringLiteral("<figcaption>Our trip at dusk</figcaption>")), 1);
+        QCOMPARE(shown.count(QStringLiteral("alt=\"Our trip at dusk\"")), 1);
         const qsizetype treeAt = html.indexOf(QStringLiteral("Sml_00050_Tree.jpg"));
         const qsizetype captionAt = html.indexOf(QStringLiteral("Our trip at dusk"));
         QVERIFY(treeAt > 0 && captionAt > treeAt);

@@ -3,6 +3,7 @@
 #include "Folders.h"
 #include "ReadyToSendPage.h"
 #include "TestMain.h"
+#include "TestWidgets.h"
 
 #include <QAbstractButton>
 #include <QDir>
@@ -103,11 +104,7 @@ void FrameFixture::selectSource(const QStringList &names)
 
 void FrameFixture::click(const QString &name)
 {
-    auto *button = find<QAbstractButton>(name);
-    if (!button)
-        QTest::qFail(qPrintable(QStringLiteral("no button ") + name), __FILE__, __LINE__);
-    else
-        QTest::mouseClick(button, Qt::LeftButton);
+    TestWidgets::click(*m_frame, name);
 }
 
 void FrameFixture::clickRow(QListWidget *list, const QString &text, Qt::KeyboardModifiers modifiers)

@@ -1,4 +1,5 @@
 #include "FrameFixture.h"
+#include "PictureSizing.h"
 
 #include "PhotoFrameSettings.h"
 #include "ReadyToSendPage.h"
@@ -157,6 +158,15 @@ private slots:
         QTest::newRow(".5 mega-pixel") << 5 << "40%            100%"
                                        << "40"
                                        << "100";
+        QTest::newRow("12 mega-pixel") << 10 << "  9%              20%"
+                                       << "9"
+                                       << "20";
+        QTest::newRow("24 mega-pixel") << 11 << "  6%              14%"
+                                       << "6"
+                                       << "14";
+        QTest::newRow("48 mega-pixel") << 12 << "  5%              10%"
+                                       << "5"
+                                       << "10";
     }
     void cameraTable()
     {
@@ -174,6 +184,67 @@ private slots:
         QCOMPARE(f.find<QLineEdit>(QStringLiteral("My_resize_1"))->text(), large);
         QCOMPARE(GetSetting(QStringLiteral("sml_resize")), small);
         QCOMPARE(GetSetting(QStringLiteral("lrg_resize")), large);
+    }
+
+    // Today's cameras get about the widths the table gives its own: a thumbnail of 326 to 410
+    // pixels and an enlarged copy of 648 to 864 across (the 8 mega-pixel row aside).
+    void todaysCameraRowsGiveTheTablesWidths_data()
+    {
+        QTest::addColumn<int>("index");
+        QTest::addColumn<int>("width");
+        QTest::addColumn<QString>("label");
+        QTest::newRow("12") << 10 << 4032 << "12 mega-pixel";
+        QTest::newRow("24") << 11 << 6000 << "24 mega-pixel";
+        QTest::newRow("48") << 12 << 8064 << "48 mega-pixel";
+    }
+    void todaysCameraRowsGiveTheTablesWidths()
+    {
+        QFETCH(int, index);
+        QFETCH(int, width);
+        QFETCH(QString, label);
+        std::array<QString, 3> boxes;
+        QVERIFY(ApplyCameraPreset(index, boxes));
+        const int small = ScaledSize(QSize(width, width * 3 / 4), boxes[0].toDouble()).width();
+        const int large = ScaledSize(QSize(width, width * 3 / 4), boxes[1].toDouble()).width();
+        QVERIFY2(small >= 326 && small <= 410, qPrintable(QString::number(small)));
+        QVERIFY2(large >= 648 && large <= 864, qPrintable(QString::number(large)));
+        FrameFixture f;
+        auto *button = f.find<QPushButton>(QStringLiteral("Command1_%1").arg(index));
+        QVERIFY(button);
+        bool labelled = false;
+        for (const QLabel *text : f.frame().findChildren<QLabel *>())
+            labelled = labelled || text->text() == label;
+        QVERIFY(labelled);
+    }
+
+    void jpegQualityBoxWritesItsSetting_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("kept");
+        QTest::newRow("85 stays") << "85"
+                                  << "85";
+        QTest::newRow("100 stays") << "100"
+                                   << "100";
+        QTest::newRow("30 becomes 50") << "30"
+                                       << "50";
+        QTest::newRow("120 becomes 100") << "120"
+                                         << "100";
+        QTest::newRow("letters give 85") << "best"
+                                         << "85";
+    }
+    void jpegQualityBoxWritesItsSetting()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, kept);
+        FrameFixture f;
+        auto *edit = f.find<QLineEdit>(QStringLiteral("JpegQuality"));
+        QVERIFY(edit);
+        QCOMPARE(edit->text(), GetSetting(QStringLiteral("JpegQuality"), QStringLiteral("85")));
+        edit->setText(typed);
+        f.leave(edit);
+        QCOMPARE(edit->text(), kept);
+        QCOMPARE(GetSetting(QStringLiteral("JpegQuality")), kept);
+        QCOMPARE(JpegOptionsFor(kept).quality, kept.toInt());
     }
 
     void colourAndFontBoxesWriteTheirKeys_data()

@@ -190,6 +190,36 @@ private slots:
         QCOMPARE(f.page().PhotoOrder[1], QStringLiteral("00051"));
     }
 
+    // "a.png" goes onto the list as "00050_a.jpg": with "a.jpg" there already in the group, the
+    // copy asks for another group as for a name already on the list.
+    void aPictureOfTodaysFormatsBecomesAJpegOfItsName()
+    {
+        FrameFixture f;
+        f.addPictures({QStringLiteral("a.jpg")});
+        QImage png(40, 30, QImage::Format_ARGB32);
+        png.fill(QColor(0, 0, 255, 128));
+        QVERIFY(png.save(f.sourceFile(QStringLiteral("a.png"))));
+        f.frame().readyToSend()->refreshSource();
+        QVERIFY(f.names(f.file2()).contains(QStringLiteral("a.png")));
+        f.selectSource({QStringLiteral("a.jpg")});
+        f.click(QStringLiteral("CopyButton_0"));
+        f.inputAnswers.enqueue(QStringLiteral("51"));
+        f.selectSource({QStringLiteral("a.png")});
+        f.click(QStringLiteral("CopyButton_0"));
+        QCOMPARE(f.inputQuestions.size(), 1);
+        QVERIFY(f.inputQuestions[0].startsWith(
+            QStringLiteral("This File name already exist in this Grouping.")));
+        QCOMPARE(f.names(f.file3()),
+                 (QStringList{QStringLiteral("00050_a.jpg"), QStringLiteral("00051_a.jpg")}));
+        QCOMPARE(f.page().PhotoName[1], QStringLiteral("a.jpg"));
+        QVERIFY(QFile(f.readyFile(QStringLiteral("00051_a.jpg"))).open(QIODevice::ReadOnly));
+        QImageReader reader(f.readyFile(QStringLiteral("00051_a.jpg")));
+        QCOMPARE(reader.format(), QByteArray("jpeg"));
+        // Half-clear blue laid on white.
+        const QImage copy = reader.read();
+        QVERIFY(qBlue(copy.pixel(20, 15)) > 240 && qRed(copy.pixel(20, 15)) > 100);
+    }
+
     void cancelInTheGroupQuestionOverwritesAndAddsASecondRow()
     {
         FrameFixture f;

@@ -1,5 +1,6 @@
 #include "PickerFixtures.h"
 #include "TestMain.h"
+#include "TestWidgets.h"
 #include "frmZoom.h"
 
 #include <QGuiApplication>
@@ -16,10 +17,7 @@ private:
     QString m_wide;
     QString m_turned;
 
-    static QLabel *image1(frmZoom &zoom)
-    {
-        return zoom.findChild<QLabel *>(QStringLiteral("Image1"));
-    }
+    static QLabel *image1(frmZoom &zoom) { return TestWidgets::child<QLabel>(zoom, "Image1"); }
 
 private slots:
     void initTestCase()

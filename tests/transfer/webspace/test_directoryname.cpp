@@ -1,5 +1,8 @@
 #include "DirectoryName.h"
+#include "FtpListing.h"
 #include "TestMain.h"
+
+#include <QRandomGenerator>
 
 class TestDirectoryName : public QObject
 {
@@ -21,12 +24,45 @@ private slots:
                                                       << "x_y-z 09()";
         QTest::newRow("empty") << ""
                                << "";
+        QTest::newRow("control characters")
+            << QStringLiteral("a\tb\r\nc") + QChar(0) + QChar(0x7f) + QStringLiteral("d\x1b")
+            << "abcd";
+        QTest::newRow("letters beyond ASCII stay")
+            << QString::fromUtf8("Caf\xc3\xa9 M\xc3\xbcller")
+            << QString::fromUtf8("Caf\xc3\xa9 M\xc3\xbcller");
     }
     void clean()
     {
         QFETCH(QString, text);
         QFETCH(QString, expected);
         QCOMPARE(CleanDirectoryName(text), expected);
+    }
+
+    // Whatever is typed or pasted, the cleaned name is one the server takes as the name of one
+    // directory (or nothing, which sends nothing), and cleaning it again changes nothing.
+    void cleanedNamesAreLegalAndStable()
+    {
+        QRandomGenerator random(17);
+        const QString alphabet = QStringLiteral("aZ9 _-()!$=,\"./\\?*|<>{}[]&+'%#@~;:^\t\r\n") +
+                                 QChar(0) + QChar(0x7f) + QChar(0x1b) + QChar(0xe9) + QChar(0x4e2d);
+        for (int round = 0; round < 5000; ++round) {
+            QString typed;
+            const int length = int(random.bounded(12));
+            for (int i = 0; i < length; ++i)
+                typed += alphabet.at(int(random.bounded(int(alphabet.size()))));
+            const QString cleaned = CleanDirectoryName(typed);
+            QCOMPARE(CleanDirectoryName(cleaned), cleaned);
+            if (!cleaned.isEmpty())
+                QVERIFY2(FtpListing::IsUsableName(cleaned), qPrintable(cleaned));
+            for (const QChar c : cleaned) {
+                QVERIFY(c.unicode() >= 0x20 && c.unicode() != 0x7f);
+                QVERIFY(!QStringLiteral(".><{}][&+'%#@~;:^/\\?*|").contains(c));
+            }
+            const QString sent = SendFileDirectoryName(cleaned.trimmed());
+            QCOMPARE(SendFileDirectoryName(sent), sent);
+            if (!sent.isEmpty())
+                QVERIFY(FtpListing::IsUsableName(sent));
+        }
     }
 
     void caret_data()

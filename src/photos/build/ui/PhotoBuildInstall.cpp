@@ -7,6 +7,7 @@
 #include "PhotoFrameHistory.h"
 #include "PhotoFrameInstall.h"
 #include "PhotoPage.h"
+#include "PictureSizing.h"
 #include "ReadyToSendPage.h"
 #include "Settings.h"
 #include "SettingsKeys.h"
@@ -161,6 +162,9 @@ bool PhotoBuildController::loadSelectedHistory()
         m_showHistory->setText(QStringLiteral("Display History List"));
         m_frame.readyToSend()->EditButtons_Click(6);
         m_frame.showFirstTab();
+        // The loaded pictures stand on the Ready to Send list: the next step is Build All.
+        const bool listed = !ListPictureFiles(m_frame.readyToSend()->workingFolder()).isEmpty();
+        m_window.shapeEvent(listed ? 3 : 0);
     }
     return loaded;
 }
@@ -198,6 +202,7 @@ PhotoBuildOptions PhotoBuildController::options() const
     options.ChoosenUploadPath = m_frame.readyToSend()->workingFolder();
     options.My_resize_0 = GetSetting(SettingKey::SmlResize, QStringLiteral("15"));
     options.My_resize_1 = GetSetting(SettingKey::LrgResize, QStringLiteral("30"));
+    options.JpegQuality = GetSetting(JpegQualityKey, JpegQualityDefault);
     options.FTPRoot = m_window.FTPRoot()->text();
     options.ClientRoot = m_window.ClientRoot()->text();
     return options;

@@ -42,6 +42,8 @@ QList<CameraPreset> photoCameraRows()
         if (!preset.small.isEmpty())
             rows.append(preset);
     }
+    for (const CameraPreset &preset : TodaysCameraRows())
+        rows.append(preset);
     return rows;
 }
 
@@ -138,6 +140,20 @@ QWidget *PhotoFrameSettings::buildSizeBox()
         sizes->addWidget(m_resize[i], i, 0);
         sizes->addWidget(new QLabel(captions[i], box), i, 1);
     }
+    m_quality = new QLineEdit(GetSetting(JpegQualityKey, JpegQualityDefault), box);
+    m_quality->setObjectName(QStringLiteral("JpegQuality"));
+    m_quality->setMaximumWidth(70);
+    m_quality->setAlignment(Qt::AlignRight);
+    m_quality->setToolTip(QStringLiteral("85 makes pages that load quickly on a phone; 100 makes "
+                                         "the largest files."));
+    m_quality->installEventFilter(this);
+    connect(m_quality, &QLineEdit::textChanged, this, [this](const QString &text) {
+        if (window()->isVisible())
+            SaveSetting(JpegQualityKey, text);
+    });
+    sizes->addWidget(m_quality, 2, 0);
+    sizes->addWidget(new QLabel(QStringLiteral("JPEG quality of the copies (50 to 100)"), box), 2,
+                     1);
     sizes->setColumnStretch(1, 1);
 
     auto *camera = new QGridLayout;
@@ -251,6 +267,14 @@ void PhotoFrameSettings::My_resize_LostFocus(int index)
         m_resize[index]->setText(limited);
 }
 
+void PhotoFrameSettings::JpegQuality_LostFocus()
+{
+    const QString limited = LimitJpegQualityText(m_quality->text());
+    if (limited != m_quality->text())
+        m_quality->setText(limited);
+    SaveSetting(JpegQualityKey, limited);
+}
+
 void PhotoFrameSettings::AlernateCheck_Click()
 {
     if (!m_alternate->isChecked()) {
@@ -297,6 +321,8 @@ bool PhotoFrameSettings::eventFilter(QObject *watched, QEvent *event)
             if (watched == m_resize[i])
                 My_resize_LostFocus(i);
         }
+        if (watched == m_quality)
+            JpegQuality_LostFocus();
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -15,7 +15,7 @@ struct PhotoPage;
 
 // The "Settings" tab of Send a Photo Page: the look of the page (background, title and text
 // colours, font), the two picture sizes with the camera table, the alternating placement of
-// pictures and the working folder. Every control writes its setting at once; there is no Apply.
+// pictures, the JPEG quality of the copies and the working folder. Every control writes its setting at once; there is no Apply.
 class PhotoFrameSettings final : public QWidget
 {
     Q_OBJECT
@@ -28,10 +28,12 @@ public:
     // A colour box (0 background, 1 title, 2 text) or the font box clicked.
     void ColourBox_Click(int index);
     void PhotoFont_Click();
-    // Camera table short cut (5-9): fills both size boxes.
+    // Camera table short cut (5-9, and 10-12 for today's cameras): fills both size boxes.
     void Command1_Click(int index);
     // Leaving a size box: a value below 2 becomes "2", above 120 "120".
     void My_resize_LostFocus(int index);
+    // Leaving the JPEG quality box: held to 50 to 100; anything but a number gives "85".
+    void JpegQuality_LostFocus();
     void AlernateCheck_Click();
     // Pre-fills the placement of rows 0 to 400 alternately, row 0 on the right.
     void fillAlternating();
@@ -56,6 +58,7 @@ private:
     QPushButton *m_fontBox = nullptr;
     QLabel *m_fontExample = nullptr;
     std::array<QLineEdit *, 2> m_resize{};
+    QLineEdit *m_quality = nullptr;
     QCheckBox *m_alternate = nullptr;
     QLineEdit *m_uploadPath = nullptr;
     QFormLayout *m_layoutForm = nullptr;

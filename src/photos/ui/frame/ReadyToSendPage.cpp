@@ -40,9 +40,9 @@ QListWidget *makeFileList(const QString &name, QWidget *parent)
     return list;
 }
 
-// Re-reads folder into list; the names selected before stay selected, and the current row
-// stays on its name where it still exists.
-void fillFileList(QListWidget *list, const QString &folder)
+// Puts names into list; the names selected before stay selected, and the current row stays on
+// its name where it still exists.
+void fillFileList(QListWidget *list, const QStringList &names)
 {
     QSet<QString> selected;
     for (const QListWidgetItem *item : list->selectedItems())
@@ -51,7 +51,7 @@ void fillFileList(QListWidget *list, const QString &folder)
 
     const QSignalBlocker blocker(list);
     list->clear();
-    list->addItems(ListPictureFiles(folder));
+    list->addItems(names);
     for (int i = 0; i < list->count(); ++i) {
         QListWidgetItem *item = list->item(i);
         if (item->text() == current)
@@ -319,13 +319,13 @@ void ReadyToSendPage::setWorkingFolder(const QString &folder)
 
 void ReadyToSendPage::refreshSource()
 {
-    fillFileList(m_file2, m_sourceFolder);
+    fillFileList(m_file2, ListSourcePictureFiles(m_sourceFolder));
     updateSelectionButtons();
 }
 
 void ReadyToSendPage::refreshReady()
 {
-    fillFileList(m_file3, m_workingFolder);
+    fillFileList(m_file3, ListPictureFiles(m_workingFolder));
     const int count = m_file3->count();
     m_readyCount->setText(count == 1 ? QStringLiteral("1 picture on the list")
                                      : QStringLiteral("%1 pictures on the list").arg(count));

@@ -1,10 +1,13 @@
 #include "ReadyToSendNames.h"
 #include "ReadyToSendPage.h"
 
+#include "CopyPhotos.h"
 #include "Folders.h"
 #include "ImageRotation.h"
 #include "JobUi.h"
+#include "History.h"
 #include "PhotoPage.h"
+#include "PictureSizing.h"
 #include "Settings.h"
 
 #include <QCoreApplication>
@@ -59,7 +62,7 @@ void ReadyToSendPage::copySelected(const QString &suffix)
         if (!m_file2->item(i)->isSelected())
             continue;
         const QString plain = m_file2->item(i)->text();
-        const QString made = suffix.isEmpty() ? plain : AddSuffix(plain, suffix);
+        const QString made = suffix.isEmpty() ? ReadyListName(plain) : AddSuffix(plain, suffix);
         if (!copyOne(i, suffix))
             break;
         lastCopied = i;
@@ -93,7 +96,8 @@ bool ReadyToSendPage::copyOne(int row, const QString &suffix)
         m_preFix->setText(QStringLiteral("0"));
 
     const QString plain = m_file2->item(row)->text();
-    const QString name = suffix.isEmpty() ? plain : AddSuffix(plain, suffix);
+    // A picture of today's formats goes onto the list as a JPEG named after it.
+    const QString name = suffix.isEmpty() ? ReadyListName(plain) : AddSuffix(plain, suffix);
     if (QFileInfo::exists(readyPath(FormatGroup(m_preFix->text()) + QLatin1Char('_') + name)))
         askForFreeGroup(name);
     const QString group = FormatGroup(m_preFix->text());
@@ -117,7 +121,19 @@ bool ReadyToSendPage::copyOne(int row, const QString &suffix)
     ++m_page.PhotoNumber;
 
     const QString target = readyPath(group + QLatin1Char('_') + name);
-    if (suffix.isEmpty()) {
+    if (suffix.isEmpty() && IsConvertedSource(plain)) {
+        const QString failure = CopyToReadyListLive(sourcePath(plain), target);
+        if (!failure.isEmpty()) {
+            // The picture can't be read: the row goes again, and the rest of the run goes on.
+            if (PhotoPage::isRow(n))
+                RemovePhoto(m_page, n);
+            m_services.ui->Message(QStringLiteral("The picture \"%1\" could not be put on the "
+                                                  "Ready to Send list: %2")
+                                       .arg(plain, failure),
+                                   Tarnwick, JobUi::Buttons::Ok, JobUi::Icon::Warning);
+            return true;
+        }
+    } else if (suffix.isEmpty()) {
         if (!replaceFile(sourcePath(plain), target)) {
             m_services.ui->Message(QStringLiteral("The picture \"%1\" could not be copied to the "
                                                   "Ready to Send list (%2).")

@@ -31,6 +31,9 @@ void FtpControlTab::ReloadFTPList()
 {
     m_lblDir->setText(QStringLiteral("Current Directory: ") + m_ftp.GetFTPDirectory().trimmed());
     m_ftp.GetDirectoryListing(QStringLiteral("*.*"));
+    // What the listing left out is said where the connection's state is shown.
+    if (!m_ftp.ListingNote().isEmpty())
+        m_window.statusBar()->showMessage(m_ftp.ListingNote());
 
     m_lv->setUpdatesEnabled(false);
     m_lv->clear();
