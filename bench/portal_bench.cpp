@@ -25,8 +25,7 @@ class QuietUi final : public JobUi
 {
 public:
     void ShowInputBox(JobState &) override {}
-    Answer Message(const QString &, const QString &, Buttons, Icon,
-                   std::optional<Answer>) override
+    Answer Message(const QString &, const QString &, Buttons, Icon, std::optional<Answer>) override
     {
         return Answer::Ok;
     }

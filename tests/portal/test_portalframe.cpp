@@ -249,6 +249,9 @@ private slots:
         addLink("Tom, Dick", "http://td.example/");
         selectLink("Tom, Dick.ptr");
         QCOMPARE(frame->DisplayLinkTxt()->text(), QString("Tom|4 Dick"));
+        // A bullet chosen keeps the comma of the record.
+        frame->Image111(2)->click();
+        QVERIFY(readBytes(startup("News/Tom, Dick.ptr")).startsWith("LinkName = Tom|4 Dick\r\n"));
     }
 
     void renamingWritesASecondFileAndKeepsTheFirst()

@@ -4,6 +4,7 @@
 #include "Helpers.h"
 #include "JobState.h"
 #include "JobUi.h"
+#include "RecordFile.h"
 #include "Settings.h"
 #include "SettingsKeys.h"
 
@@ -117,6 +118,8 @@ PortalFrame::PortalFrame(PageLink &current, PortalServices services, QWidget *pa
     m_preview->setObjectName(QStringLiteral("PreviewStartupButton"));
     m_build = new QPushButton(QStringLiteral("Build Home Portal Page"), this);
     m_build->setObjectName(QStringLiteral("BuildStartupButton"));
+    // The link check is not offered yet.
+    m_checkLinks->hide();
     jobRow->addWidget(m_checkLinks);
     jobRow->addStretch(1);
     jobRow->addWidget(m_preview);
@@ -512,6 +515,9 @@ void PortalFrame::saveCurrentLink()
     // The file follows the name: a changed name writes a file of its own and leaves the old one;
     // an unchanged name writes the file the fields came from.
     const bool renamed = m_current.LinkName != m_loadedName;
+    // An unchanged name is written as it was read, so its escapes ("|4" for a comma) survive.
+    if (!renamed)
+        m_current.LinkName = DecodeRecordText(m_loadedName);
     const QString path = renamed ? PageLinkPath(m_file21Path, m_current.LinkName) : m_loadedFile;
     if (renamed && !m_current.LinkName.isEmpty()) {
         const QString problem = FileNameProblem(m_current.LinkName);
