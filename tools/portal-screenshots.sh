@@ -14,8 +14,8 @@ cmake --build "$build" --target test_portal_gui >/dev/null
 TARNWICK_SCREENSHOT_DIR=$out QT_QPA_PLATFORM=offscreen "$build/bin/test_portal_gui" >/dev/null
 cp "$out/portal-tab.png" "$source_dir/docs/portal-tab.png"
 page="file://$out/portal-page/Portal.htm"
-chromium --headless --no-sandbox --hide-scrollbars --window-size=1280,1500 \
+chromium --headless --no-sandbox --hide-scrollbars --window-size=1280,1250 \
     --screenshot="$source_dir/docs/portal-1280.png" "$page" 2>/dev/null
-chromium --headless --no-sandbox --hide-scrollbars --window-size=390,5600 \
+chromium --headless --no-sandbox --hide-scrollbars --window-size=390,2350 \
     --screenshot="$source_dir/docs/portal-390.png" "$page" 2>/dev/null
 ls -l "$source_dir"/docs/portal-*.png
