@@ -1,3 +1,4 @@
+#include "BackupInstall.h"
 #include "JobState.h"
 #include "PaintInstall.h"
 #include "PhotoBuildInstall.h"
@@ -35,6 +36,7 @@ int main(int argc, char *argv[])
     InstallPaint(window);
     InstallPhotoPage(window, webSpace);
     InstallWebLog(window, webSpace);
+    InstallBackup(window, webSpace);
     InstallPortal(window, webSpace);
 
     window.Load();

@@ -9,7 +9,11 @@
 #include <QFileInfo>
 #include <QMap>
 
+#include <chrono>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
+#include <thread>
 
 namespace {
 
@@ -110,19 +114,54 @@ QStringList namesOf(GCabCabinet *cabinet)
     return names;
 }
 
-// Raises the GLib cancel of a running cabinet job when the caller's flag is up; libgcab looks at
-// it between its reads and writes.
-struct CancelWatch
+// Raises the GLib cancel of a running cabinet job when the caller's flag is up. libgcab looks at
+// the GLib cancel at every block it reads or writes, so while the job runs a watcher thread
+// hands the flag on, and a cancel stops even a single large file within a block.
+class CancelWatch
 {
-    const std::atomic<bool> *flag = nullptr;
-    GObjectPtr<GCancellable> cancellable{g_cancellable_new()};
+public:
+    explicit CancelWatch(const std::atomic<bool> *flag) : m_flag(flag)
+    {
+        if (m_flag)
+            m_watcher = std::thread([this] {
+                std::unique_lock<std::mutex> lock(m_lock);
+                while (!m_done) {
+                    if (m_flag->load()) {
+                        g_cancellable_cancel(cancellable.get());
+                        return;
+                    }
+                    m_wake.wait_for(lock, std::chrono::milliseconds(10));
+                }
+            });
+    }
+    ~CancelWatch()
+    {
+        {
+            const std::lock_guard<std::mutex> lock(m_lock);
+            m_done = true;
+        }
+        m_wake.notify_all();
+        if (m_watcher.joinable())
+            m_watcher.join();
+    }
+    CancelWatch(const CancelWatch &) = delete;
+    CancelWatch &operator=(const CancelWatch &) = delete;
 
     bool raised()
     {
-        if (flag && flag->load())
+        if (m_flag && m_flag->load())
             g_cancellable_cancel(cancellable.get());
         return g_cancellable_is_cancelled(cancellable.get());
     }
+
+    GObjectPtr<GCancellable> cancellable{g_cancellable_new()};
+
+private:
+    const std::atomic<bool> *m_flag = nullptr;
+    std::mutex m_lock;
+    std::condition_variable m_wake;
+    bool m_done = false;
+    std::thread m_watcher;
 };
 
 gboolean checkCancel(GCabFile *, gpointer data)
@@ -173,7 +212,7 @@ QList<CabinetEntry> CabinetEntriesOf(const QString &folder)
 CabinetResult WriteCabinet(const QString &cabPath, const QList<CabinetEntry> &entries,
                            const std::atomic<bool> *cancel)
 {
-    CancelWatch watch{cancel};
+    CancelWatch watch(cancel);
     GObjectPtr<GCabCabinet> cabinet(gcab_cabinet_new());
     GCabFolder *folder = gcab_folder_new(GCAB_COMPRESSION_MSZIP);
     gcab_cabinet_add_folder(cabinet.get(), folder, nullptr);
@@ -229,7 +268,7 @@ CabinetResult WriteCabinet(const QString &cabPath, const QList<CabinetEntry> &en
 CabinetResult ExtractCabinet(const QString &cabPath, const QString &destFolder, bool overwrite,
                              const std::atomic<bool> *cancel)
 {
-    CancelWatch watch{cancel};
+    CancelWatch watch(cancel);
     if (!QFileInfo(cabPath).isFile())
         return failure(QStringLiteral("The cabinet %1 does not exist.").arg(cabPath));
     if (!QDir().mkpath(destFolder))

@@ -138,6 +138,14 @@ RecordFieldReader::RecordFieldReader(QByteArray bytes) : m_bytes(std::move(bytes
 
 std::optional<QString> RecordFieldReader::readField()
 {
+    const auto span = readFieldSpan();
+    if (!span)
+        return std::nullopt;
+    return QString::fromLatin1(m_bytes.constData() + span->start, span->end - span->start);
+}
+
+std::optional<RecordFieldReader::Span> RecordFieldReader::readFieldSpan()
+{
     if (atEnd())
         return std::nullopt;
     const qsizetype size = m_bytes.size();
@@ -165,7 +173,7 @@ std::optional<QString> RecordFieldReader::readField()
         if (stop == '\r' && m_pos < size && m_bytes.at(m_pos) == '\n')
             ++m_pos;
     }
-    return QString::fromLatin1(m_bytes.constData() + start, end - start);
+    return Span{start, end};
 }
 
 RecordFileResult ReadRecordFile(const QString &path, RecordDecoding decoding)

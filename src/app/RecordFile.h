@@ -37,6 +37,16 @@ public:
     // The next field, or nothing when the end of the file had been reached already.
     std::optional<QString> readField();
 
+    // Where the next field's text lies in the bytes: [start, end), quotes and the blanks in
+    // front left out. For readers that keep a field's bytes exactly as they stand.
+    struct Span
+    {
+        qsizetype start = 0;
+        qsizetype end = 0;
+    };
+    std::optional<Span> readFieldSpan();
+    const QByteArray &bytes() const { return m_bytes; }
+
 private:
     QByteArray m_bytes;
     qsizetype m_pos = 0;

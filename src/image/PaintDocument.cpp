@@ -155,13 +155,14 @@ bool PaintDocument::askToSave()
 
 void PaintDocument::newPicture()
 {
+    // What the tool has open ends on the old picture, not on the new one.
+    if (m_tool)
+        m_tool->finish(*this);
     ResetZoom();
     if (m_picture.isNull())
         m_picture = QImage(1, 1, QImage::Format_RGB32);
     fillBackground(m_picture, m_picture.rect());
     m_pictureFile.clear();
-    if (m_tool)
-        m_tool->finish(*this);
     m_selection = Selection();
     m_selectionLifted = false;
     ResetImageBuffer();
@@ -178,6 +179,7 @@ void PaintDocument::StartUp()
 
 bool PaintDocument::mnuNew_Click()
 {
+    FinishTool(); // an open figure is part of the picture the question is about
     if (!askToSave())
         return false;
     newPicture();
@@ -186,6 +188,7 @@ bool PaintDocument::mnuNew_Click()
 
 bool PaintDocument::mnuOpen_Click()
 {
+    FinishTool();
     if (!askToSave())
         return false;
     const QString path = m_host.chooseOpenFile();
@@ -197,7 +200,10 @@ bool PaintDocument::mnuOpen_Click()
 
 bool PaintDocument::mnuOpen_My_Click(const QString &path)
 {
-    if (path.isEmpty() || !askToSave())
+    if (path.isEmpty())
+        return false;
+    FinishTool();
+    if (!askToSave())
         return false;
     newPicture();
     return load(path);
@@ -233,6 +239,7 @@ bool PaintDocument::load(const QString &path)
 
 bool PaintDocument::mnuSave_Click()
 {
+    FinishTool();
     if (m_pictureFile.isEmpty())
         return mnuSaveAs_Click();
     ResetZoom();
@@ -447,7 +454,11 @@ void PaintDocument::applyFilter(int filter, const QRect &region)
     options.replaceFrom = m_foreColor;
     options.replaceTo = m_fillColor;
     ImageFilter(filter, m_picture, x1, y1, x2, y2, options);
-    surfaceChanged(region);
+    // Crease and wave move pixels up and down their columns, out of the region.
+    if (filter == FilterCrease || filter == FilterWave)
+        surfaceChanged(QRect(region.left(), 0, region.width(), m_picture.height()));
+    else
+        surfaceChanged(region);
 }
 
 void PaintDocument::ApplyFilter(int filter, int x1, int y1, int x2, int y2)
@@ -627,6 +638,17 @@ void PaintDocument::zoomAt(const QPoint &point, bool zoomOut)
 
 // --- Tools
 
+QString ToolHintText(int tool)
+{
+    const ToolEntry *entry = ToolTable::find(tool);
+    if (!entry || entry->hint.isEmpty())
+        return QString();
+    QString text = entry->hint.first();
+    if (entry->hint.size() > 1)
+        text += QLatin1Char('\n') + entry->hint.mid(1).join(QStringLiteral("; "));
+    return text;
+}
+
 bool PaintDocument::selectTool(int number)
 {
     const ToolEntry *entry = ToolTable::find(number);
@@ -636,17 +658,26 @@ bool PaintDocument::selectTool(int number)
         m_tool->finish(*this);
     m_currentTool = number;
     m_tool = entry->make ? entry->make() : nullptr;
+    m_cursorOverride.clear();
     if (number != 0)
         CommitSelection();
     if (number != 1 && number != 17)
         ResetZoom();
+    UpdateStatusBar(0);
     changed();
+    m_host.overlayChanged();
     return true;
+}
+
+// Only the left button draws; the right button reaches Pick Color alone.
+static bool reachesTool(int tool, Qt::MouseButton button)
+{
+    return button == Qt::LeftButton || (button == Qt::RightButton && tool == 1);
 }
 
 void PaintDocument::mousePress(const ToolEvent &event)
 {
-    if (m_tool)
+    if (m_tool && reachesTool(m_currentTool, event.button))
         m_tool->press(*this, event);
 }
 
@@ -658,7 +689,7 @@ void PaintDocument::mouseMove(const ToolEvent &event)
 
 void PaintDocument::mouseRelease(const ToolEvent &event)
 {
-    if (!m_tool)
+    if (!m_tool || !reachesTool(m_currentTool, event.button))
         return;
     m_tool->release(*this, event);
     if (m_tool && m_tool->recordsOnRelease() && event.button == Qt::LeftButton)
@@ -671,9 +702,88 @@ void PaintDocument::FinishTool()
         m_tool->finish(*this);
 }
 
-void PaintDocument::surfaceChanged(const QRect &)
+ToolOverlay PaintDocument::toolOverlay() const
 {
+    return m_tool ? m_tool->overlay() : ToolOverlay();
+}
+
+void PaintDocument::dragHandle(int index, QPoint delta)
+{
+    if (m_tool)
+        m_tool->dragHandle(*this, index, delta);
+}
+
+void PaintDocument::textEdited(const QString &text)
+{
+    if (m_tool)
+        m_tool->textEdited(*this, text);
+}
+
+bool PaintDocument::textKey(int key)
+{
+    return m_tool && m_tool->textKey(*this, key);
+}
+
+void PaintDocument::textPressed()
+{
+    if (m_tool)
+        m_tool->textPressed(*this);
+}
+
+void PaintDocument::textFocusLost()
+{
+    if (m_tool)
+        m_tool->textFocusLost(*this);
+}
+
+QString PaintDocument::toolCursorFile() const
+{
+    if (!m_cursorOverride.isEmpty())
+        return m_cursorOverride;
+    const ToolEntry *entry = ToolTable::find(m_currentTool);
+    return entry ? QString::fromLatin1(entry->cursorFile) : QString();
+}
+
+void PaintDocument::setCursorFile(const QString &file)
+{
+    m_cursorOverride = file;
+    m_host.overlayChanged();
+}
+
+void PaintDocument::UpdateStatusBar(int pane)
+{
+    if (pane == 0)
+        m_host.statusHint(0, ToolHintText(m_currentTool));
+}
+
+void PaintDocument::setForeColor(int colour)
+{
+    // An open curve or polygon is drawn with pens made from the foreground colour: it goes
+    // before the change and comes back in the new colour after it.
+    if (m_tool)
+        m_tool->hideOpenFigure(*this);
+    m_foreColor = colour;
+    if (m_tool)
+        m_tool->showOpenFigure(*this);
     changed();
+}
+
+void PaintDocument::setFillColor(int colour)
+{
+    m_fillColor = colour;
+    changed();
+}
+
+QRect PaintDocument::selectionArea() const
+{
+    if (!m_selection.visible)
+        return QRect();
+    return QRect(m_selection.pos, m_selection.image.size());
+}
+
+void PaintDocument::surfaceChanged(const QRect &area)
+{
+    m_host.pictureChanged(area.intersected(m_picture.rect()));
 }
 
 void PaintDocument::showHint(int pane, const QString &text)

@@ -8,6 +8,7 @@
 #include <QImage>
 #include <QString>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 
@@ -40,7 +41,17 @@ public:
     virtual void documentChanged() = 0;
     // A tool's hint for a pane of the status bar.
     virtual void statusHint(int pane, const QString &text) = 0;
+    // A part of the picture changed while a tool drew: only that part needs showing again.
+    virtual void pictureChanged(const QRect &) { documentChanged(); }
+    // What the tool shows over the picture (its handles, its text box) or its cursor changed.
+    virtual void overlayChanged() {}
+    // The view's scroll position (hscPaint, vscPaint) and a new one, limited to their ranges.
+    virtual QPoint scrollPosition() const { return {}; }
+    virtual void scrollTo(const QPoint &) {}
 };
+
+// The status bar's hint of a tool: its first line, and the keys it takes on a second.
+QString ToolHintText(int tool);
 
 // The text of a paint error by number (0 stands for the given text alone).
 QString PaintErrorText(int number, const QString &text = {});
@@ -130,6 +141,19 @@ public:
     void mouseMove(const ToolEvent &event);
     void mouseRelease(const ToolEvent &event);
     void FinishTool();
+    // What the tool shows over the picture, and the window's events on it: a drag of one of
+    // Curve's handles, and the text box's edits, keys (true when the tool took the key), a
+    // press on it and the loss of its focus.
+    ToolOverlay toolOverlay() const;
+    void dragHandle(int index, QPoint delta);
+    void textEdited(const QString &text);
+    bool textKey(int key);
+    void textPressed();
+    void textFocusLost();
+    // The cursor file of the tool (in the data folder's Cursors; "" for the arrow).
+    QString toolCursorFile() const;
+    // Pane 0: the hint of the current tool.
+    void UpdateStatusBar(int pane);
 
     // --- State
     const QImage &picture() const { return m_picture; }
@@ -142,12 +166,13 @@ public:
     QString PictureFile() const { return m_pictureFile; }
     QString Caption() const;
 
-    void setForeColor(int colour) override { m_foreColor = colour; }
-    void setFillColor(int colour) override { m_fillColor = colour; }
+    void setForeColor(int colour) override;
+    void setFillColor(int colour) override;
     void setFont(const QFont &font) { m_font = font; }
     void setBorderStyle(int style) { m_borderStyle = style; }
     void setFillStyle(int style) { m_fillStyle = style; }
-    void setDotSize(int size) { m_dotSize = size; }
+    void setDotSize(int size) { m_dotSize = std::clamp(size, 0, 7); }
+    int DotSize() const { return m_dotSize; }
     void setFillMode(int mode) { m_fillMode = mode; }
     void setBrushShape(int shape) { m_brushShape = shape; }
     void setFilterNumber(int filter) { m_filterNumber = filter; }
@@ -173,7 +198,12 @@ public:
     void commitSelection() override { CommitSelection(); }
     void dropSelection() override;
     bool selectionVisible() const override { return m_selection.visible; }
+    QRect selectionArea() const override;
     void zoomAt(const QPoint &point, bool zoomOut) override;
+    QPoint scrollPosition() const override { return m_host.scrollPosition(); }
+    void scrollTo(const QPoint &position) override { m_host.scrollTo(position); }
+    void setCursorFile(const QString &file) override;
+    void overlayChanged() override { m_host.overlayChanged(); }
     void showHint(int pane, const QString &text) override;
 
     void CommitSelection();
@@ -202,6 +232,7 @@ private:
 
     int m_currentTool = 4;
     std::unique_ptr<PaintTool> m_tool;
+    QString m_cursorOverride;
 
     int m_foreColor = 0x000000;
     int m_fillColor = 0xFFFFFF;

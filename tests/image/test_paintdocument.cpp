@@ -70,9 +70,9 @@ protected:
 
 void stroke(PaintDocument &doc, QPoint from, QPoint to)
 {
-    doc.mousePress({from, Qt::LeftButton, {}});
-    doc.mouseMove({to, Qt::LeftButton, {}});
-    doc.mouseRelease({to, Qt::LeftButton, {}});
+    doc.mousePress({from, Qt::LeftButton, {}, Qt::LeftButton, {}});
+    doc.mouseMove({to, Qt::LeftButton, {}, Qt::LeftButton, {}});
+    doc.mouseRelease({to, Qt::LeftButton, {}, Qt::LeftButton, {}});
 }
 
 QImage filled(int w, int h, QRgb colour)
@@ -335,14 +335,14 @@ private slots:
         double last = 0;
         while (doc.ZoomFactor() != last && steps < 100) {
             last = doc.ZoomFactor();
-            doc.mouseRelease({QPoint(10, 10), Qt::LeftButton, {}});
+            doc.mouseRelease({QPoint(10, 10), Qt::LeftButton, {}, {}, {}});
             ++steps;
         }
         // 2 x 4000 x factor must stay below 100000: the factor stops below 12.5.
         QVERIFY(doc.ZoomFactor() < 12.5);
         QVERIFY(doc.ZoomFactor() * 1.25 >= 12.5);
         QVERIFY(host.errors.isEmpty());
-        doc.mouseRelease({QPoint(10, 10), Qt::LeftButton, Qt::ControlModifier});
+        doc.mouseRelease({QPoint(10, 10), Qt::LeftButton, Qt::ControlModifier, {}, {}});
         QCOMPARE(doc.ZoomFactor(), last / 1.25);
         doc.ApplyFilter(FilterBlur); // a command resets the zoom
         QCOMPARE(doc.ZoomFactor(), 1.0);

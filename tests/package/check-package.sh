@@ -27,6 +27,8 @@ for f in /usr/bin/tarnwick \
          /usr/share/tarnwick/Top.txt \
          /usr/share/tarnwick/Tarnwicklib.cab \
          /usr/share/tarnwick/local-webspace.py \
+         /usr/share/tarnwick/Cursors/pencil.cur \
+         /usr/share/tarnwick/Cursors/handgrab.cur \
          /usr/share/tarnwick/help/1.html; do
     grep -qx "$f" "$work/files" || { echo "not in the package: $f"; missing=1; }
 done
@@ -34,8 +36,8 @@ done
 if grep -v '^/usr' "$work/files" | grep -v '^/$' | grep -q .; then
     echo "outside /usr:"; grep -v '^/usr' "$work/files" | grep -v '^/$'; missing=1
 fi
-if grep -Eq 'test_|tarnwick_makecab|tarnwick_drawbullets|_bench' "$work/files"; then
-    echo "build or test programs in the package:"; grep -E 'test_|makecab|drawbullets|_bench' "$work/files"; missing=1
+if grep -Eq 'test_|tarnwick_makecab|tarnwick_drawbullets|tarnwick_drawcursors|_bench' "$work/files"; then
+    echo "build or test programs in the package:"; grep -E 'test_|makecab|drawbullets|drawcursors|_bench' "$work/files"; missing=1
 fi
 
 depends=$(dpkg-deb -f "$deb" Depends)

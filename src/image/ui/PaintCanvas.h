@@ -5,12 +5,16 @@
 #include <array>
 
 class PaintDocument;
+class QLabel;
+class QLineEdit;
 class QRubberBand;
 
 // picPaint: draws the document's picture at its zoom factor, with the floating selection
-// (picSelect) over it, and passes the mouse to the document's tool in picture pixels. Its
-// container also holds the three handles (picPaintResize 0 right edge, 1 corner, 2 bottom
-// edge) that resize the picture by dragging.
+// (picSelect) over it, and passes the mouse to the document's tool in picture pixels. Over the
+// picture stand what the tool shows: Curve's four handles (imgBezier_0 to imgBezier_3, dragged
+// one at a time) and Text's box (txtText, sized by the hidden label lblTextSize). Its container
+// also holds the three handles (picPaintResize 0 right edge, 1 corner, 2 bottom edge) that resize
+// the picture by dragging.
 class PaintCanvas final : public QWidget
 {
     Q_OBJECT
@@ -19,7 +23,12 @@ public:
 
     // Follows the document: size, zoom, selection and handles.
     void syncToDocument();
+    // Follows what the tool shows over the picture.
+    void syncOverlay();
+    // Shows a part of the picture again (picture pixels).
+    void showPicture(const QRect &area);
     QPoint toPicture(const QPoint &widgetPoint) const;
+    QPoint toWidget(const QPoint &picturePoint) const;
 
 signals:
     void mouseAt(const QPoint &picturePoint);
@@ -35,6 +44,8 @@ protected:
 
 private:
     void placeHandles();
+    bool bezierEvent(int index, QEvent *event);
+    bool textBoxEvent(QEvent *event);
 
     PaintDocument &m_document;
     QWidget *m_container;
@@ -43,4 +54,10 @@ private:
     QRubberBand *m_frame = nullptr;
     int m_dragging = -1;
     QPoint m_dragStart;
+    std::array<QWidget *, 4> m_bezier{};
+    int m_bezierDragging = -1;
+    QPoint m_bezierLast; // the mouse on the screen
+    QLineEdit *m_text = nullptr;
+    QLabel *m_textSize = nullptr;
+    bool m_syncingText = false;
 };

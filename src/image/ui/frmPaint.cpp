@@ -1,6 +1,8 @@
 #include "frmPaint.h"
 
 #include "PaintCanvas.h"
+#include "PaintColorBar.h"
+#include "PaintToolBox.h"
 #include "mdlFilter.h"
 
 #include <QApplication>
@@ -66,7 +68,6 @@ frmPaint::frmPaint(QWidget *parent) : QMainWindow(parent)
     m_canvas = new PaintCanvas(*m_document, container);
     m_canvas->move(0, 0);
     m_scroll->setWidget(container);
-    setCentralWidget(m_scroll);
     connect(m_canvas, &PaintCanvas::mouseAt, this, &frmPaint::showMousePosition);
 
     statusBar()->setObjectName(QStringLiteral("sta"));
@@ -92,6 +93,7 @@ frmPaint::frmPaint(QWidget *parent) : QMainWindow(parent)
     statusBar()->addPermanentWidget(m_panePosition);
 
     buildMenus();
+    buildTools();
     m_document->StartUp();
     resize(760, 560);
 }
@@ -230,8 +232,12 @@ void frmPaint::UpdateStatusBar(int pane, int percent)
                             QStringLiteral("% complete)"));
 }
 
-void frmPaint::statusHint(int, const QString &text)
+void frmPaint::statusHint(int pane, const QString &text)
 {
+    if (!m_paneHint)
+        return; // still being built
+    if (pane == 0)
+        m_toolHint = text;
     m_paneHint->setText(text);
 }
 
@@ -262,8 +268,13 @@ void frmPaint::documentChanged()
     m_paneSize->setText(QString::number(doc.picture().width()) + QStringLiteral("x") +
                         QString::number(doc.picture().height()));
     if (!m_longWork && m_paneHint->text().contains(QStringLiteral("% complete)")))
-        m_paneHint->clear();
+        m_paneHint->setText(m_toolHint);
+    if (m_toolBox)
+        m_toolBox->sync(doc.CurrentTool(), doc.DotSize(), doc.fillMode(), doc.brushShape());
+    if (m_colorBar)
+        m_colorBar->sync(doc.foreColor(), doc.fillColor());
     m_canvas->syncToDocument();
+    m_canvas->setCursor(toolCursor(doc.toolCursorFile()).value_or(QCursor(Qt::ArrowCursor)));
     if (doc.ZoomFactor() != m_shownZoom) {
         // The clicked point stays in view.
         m_shownZoom = doc.ZoomFactor();

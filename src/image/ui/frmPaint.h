@@ -2,13 +2,18 @@
 
 #include "PaintDocument.h"
 
+#include <QCursor>
+#include <QHash>
 #include <QMainWindow>
 
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class PaintCanvas;
+class PaintColorBar;
+class PaintToolBox;
 class QAction;
 class QLabel;
 class QMenu;
@@ -17,9 +22,11 @@ class QPushButton;
 class QScrollArea;
 
 // "Tarnwick Paint": the paint window. It shows a PaintDocument (the picture, its undo ring, the
-// floating selection, the zoom) in picPaint, and offers its commands in the File, Edit, Format,
-// Effect and Filter menus. Long work (opening, saving, filters, effects) runs off the window's
-// thread while the window repaints; the status bar then shows its progress and a Cancel button.
+// floating selection, the zoom) in picPaint, offers its commands in the File, Edit, Format,
+// Effect and Filter menus, its eighteen tools with their option frames in the tool box at the
+// left (optTools) and its colours in the bar below (lblForeColor, lblFillColor, lblColor). Long
+// work (opening, saving, filters, effects) runs off the window's thread while the window repaints;
+// the status bar then shows its progress and a Cancel button.
 //
 // Opened by the photo function with a picture (OpenPaint) or alone with an empty one. The
 // window deletes itself when closed.
@@ -54,6 +61,14 @@ public:
     void mnuFillColor_Click();
     void mnuFont_Click();
 
+    // optTools' click: chooses a tool. Its cursor file must be there, or the tool is not chosen
+    // and the window says why (ShowPaintError 4). The Filter Brush pops up its filter menu, also
+    // when clicked again.
+    void optTools_Click(int tool);
+    // The cursor of a tool's cursor file in the data folder's Cursors ("" is the arrow); nothing
+    // when the file is missing or not a cursor.
+    std::optional<QCursor> toolCursor(const QString &file);
+
 signals:
     // The window has accepted a close (it is deleted later).
     void closed();
@@ -75,8 +90,15 @@ private:
     bool runLong(const std::function<bool(const FilterProgress &)> &work) override;
     void documentChanged() override;
     void statusHint(int pane, const QString &text) override;
+    void pictureChanged(const QRect &area) override;
+    void overlayChanged() override;
+    QPoint scrollPosition() const override;
+    void scrollTo(const QPoint &position) override;
 
     void buildMenus();
+    void buildTools();
+    void popUpFilterMenu();
+    void showHintPane(int pane);
     QAction *addItem(QMenu *menu, const QString &name, const QString &caption,
                      std::function<void()> handler);
     void showMousePosition(const QPoint &at);
@@ -84,6 +106,10 @@ private:
 
     std::unique_ptr<PaintDocument> m_document;
     PaintCanvas *m_canvas = nullptr;
+    PaintToolBox *m_toolBox = nullptr;
+    PaintColorBar *m_colorBar = nullptr;
+    QHash<QString, QCursor> m_cursors;
+    QString m_toolHint;
     QScrollArea *m_scroll = nullptr;
     QLabel *m_paneHint = nullptr;
     QLabel *m_paneSize = nullptr;

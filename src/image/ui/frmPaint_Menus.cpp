@@ -161,11 +161,16 @@ void frmPaint::buildMenus()
     // The same list for the Filter Brush, popped up when that tool is chosen.
     auto *brushFilters = new QMenu(QStringLiteral("Filter Brush"), this);
     brushFilters->setObjectName(QStringLiteral("mnuFilterTools"));
+    auto *brushFilterGroup = new QActionGroup(this);
     for (const FilterMenuEntry &entry : FilterMenu()) {
         const int number = entry.number;
         addItem(filters, QLatin1String(entry.menuName), QLatin1String(entry.caption),
                 [&doc, number] { doc.ApplyFilter(number); });
-        addItem(brushFilters, QStringLiteral("mnuTFilter_%1").arg(number),
-                QLatin1String(entry.caption), [&doc, number] { doc.setFilterNumber(number); });
+        QAction *a =
+            addItem(brushFilters, QStringLiteral("mnuTFilter_%1").arg(number),
+                    QLatin1String(entry.caption), [&doc, number] { doc.setFilterNumber(number); });
+        a->setCheckable(true);
+        a->setChecked(number == doc.filterNumber());
+        brushFilterGroup->addAction(a);
     }
 }
