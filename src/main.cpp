@@ -2,6 +2,7 @@
 #include "JobState.h"
 #include "PaintInstall.h"
 #include "PhotoBuildInstall.h"
+#include "PortalInstall.h"
 #include "WebLogInstall.h"
 #include "WebSpaceInstall.h"
 #include "cFTP.h"
@@ -36,6 +37,7 @@ int main(int argc, char *argv[])
     InstallPhotoPage(window, webSpace);
     InstallWebLog(window, webSpace);
     InstallBackup(window, webSpace);
+    InstallPortal(window, webSpace);
 
     window.Load();
     // The session transfers in binary; the mode flag says active, while the data connections
