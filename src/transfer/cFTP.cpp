@@ -279,7 +279,13 @@ QString cFTP::GetFTPDirectory()
     const QString operation = QStringLiteral("FtpGetCurrentDirectory");
     if (m_connection && m_connection->busy())
         return m_currentDirectory;
-    if (!runCommands({QStringLiteral("PWD")}, operation))
+    // The directory the session stands in may have gone from the server since (a kept
+    // connection's server may still name it): entering it again is what shows it is there.
+    QStringList commands;
+    if (!m_currentDirectory.isEmpty())
+        commands << QStringLiteral("CWD ") + m_currentDirectory;
+    commands << QStringLiteral("PWD");
+    if (!runCommands(commands, operation))
         return QString();
     const QString path = PathFrom257(m_connection->lastReply().text());
     if (path.isEmpty()) {

@@ -457,9 +457,10 @@ private slots:
         QVERIFY(moved);
         const QStringList texts = messageTexts();
         QVERIFY2(texts.size() >= 2, qPrintable(texts.join(QLatin1Char('|'))));
-        QVERIFY(texts.at(texts.size() - 3)
-                    .startsWith(QStringLiteral("The connection to the upload path has failed. "
-                                               "Select to rescan. ")));
+        QVERIFY2(texts.at(texts.size() - 3)
+                     .startsWith(QStringLiteral("The connection to the upload path has failed. "
+                                                "Select to rescan. ")),
+                 qPrintable(texts.join(QLatin1Char('|'))));
         QVERIFY(texts.at(texts.size() - 2).startsWith(QStringLiteral("1 of 3")));
         QCOMPARE(recordOf(QStringLiteral("a.txt")).NumberOfBackupTimes, qint16(2));
         QCOMPARE(recordOf(QStringLiteral("b.doc")).NumberOfBackupTimes, qint16(1));
@@ -498,8 +499,8 @@ private slots:
         makeLocalFile(doc(QStringLiteral("a.txt")), "a", Then);
         const QString path = m_fx->frame->list().listPath();
         makeLocalFile(path, randomBytes(20000, 99) + "\r\n" +
-                                BackupRecordText(listedRecord(doc(QStringLiteral("a.txt")), Site,
-                                                              false, false))
+                                BackupRecordText(
+                                    listedRecord(doc(QStringLiteral("a.txt")), Site, false, false))
                                     .toUtf8() +
                                 "\r\n" + randomBytes(5000, 98));
         scan();

@@ -112,6 +112,8 @@ private slots:
         m_state.UploadCancelled = false;
         m_state.UserResponse.clear();
     }
+    // A cancel timer whose command never came must not outlive its test and its server.
+    void cleanup() { qDeleteAll(findChildren<QTimer *>(Qt::FindDirectChildrenOnly)); }
 
     void overlongReplyLineIsRefusedWithAShortMessage()
     {
@@ -127,17 +129,21 @@ private slots:
         QVERIFY(!ftp.IsConnected());
     }
 
-    void overlongReplyLineThenSilenceEndsAtCancel()
+    void overlongReplyLineThenSilenceEndsWithoutWaitingOnTheSilence()
     {
         const auto server = start({QStringLiteral("long-line-stall")});
         QVERIFY(server->isRunning());
         cFTP ftp(m_state);
-        int ticks = 0;
-        cancelWhenReceived(*server, QStringLiteral("PWD"), &ticks);
+        // The reader refuses the line as it comes, so the silence after it holds nobody: the
+        // attempt ends without a Cancel.
         QVERIFY(!connect(ftp, *server));
-        QVERIFY2(ftp.GetLastErrorMessage().contains(QStringLiteral("12017")),
-                 qPrintable(ftp.GetLastErrorMessage()));
-        QVERIFY(ticks > 0);
+        const QString message = ftp.GetLastErrorMessage();
+        QVERIFY2(message.contains(QStringLiteral("12030")) ||
+                     message.contains(QStringLiteral("12017")),
+                 qPrintable(message));
+        QVERIFY2(message.size() <= FtpReplyReader::MaxLineBytes + 200,
+                 qPrintable(QString::number(message.size())));
+        QVERIFY(!ftp.IsConnected());
     }
 
     void replyOfManyLinesIsKeptWithinBounds()
