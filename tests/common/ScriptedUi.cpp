@@ -7,7 +7,10 @@ void ScriptedUi::answerPrompt(const QString &response, const QString &mode)
     m_promptAnswers.enqueue({response, mode});
 }
 
-void ScriptedUi::answerMessage(Answer answer) { m_messageAnswers.enqueue(answer); }
+void ScriptedUi::answerMessage(Answer answer)
+{
+    m_messageAnswers.enqueue(answer);
+}
 
 void ScriptedUi::ShowInputBox(JobState &state)
 {
@@ -32,11 +35,20 @@ JobUi::Answer ScriptedUi::Message(const QString &text, const QString &title, But
     return buttons == Buttons::YesNo || buttons == Buttons::YesNoCancel ? Answer::Yes : Answer::Ok;
 }
 
-void ScriptedUi::ShowScrollMessage(const QString &text) { scrollMessages.append(text); }
+void ScriptedUi::ShowScrollMessage(const QString &text)
+{
+    scrollMessages.append(text);
+}
 
-void ScriptedUi::SetStatusText(const QString &text) { statusTexts.append(text); }
+void ScriptedUi::SetStatusText(const QString &text)
+{
+    statusTexts.append(text);
+}
 
-void ScriptedUi::SetStepOf(const QString &text) { stepTexts.append(text); }
+void ScriptedUi::SetStepOf(const QString &text)
+{
+    stepTexts.append(text);
+}
 
 bool ScriptedUi::OpenUrl(const QUrl &url)
 {
@@ -44,7 +56,10 @@ bool ScriptedUi::OpenUrl(const QUrl &url)
     return openUrlResult;
 }
 
-void ScriptedUi::SetClipboard(QMimeData *data) { clipboard.reset(data); }
+void ScriptedUi::SetClipboard(QMimeData *data)
+{
+    clipboard.reset(data);
+}
 
 void ScriptedUi::ProcessEvents()
 {
@@ -52,4 +67,17 @@ void ScriptedUi::ProcessEvents()
     QCoreApplication::processEvents();
     if (onProcessEvents)
         onProcessEvents();
+}
+
+QStringList ScriptedUi::messageTexts() const
+{
+    QStringList texts;
+    for (const auto &shown : messages)
+        texts << shown.text;
+    return texts;
+}
+
+QString ScriptedUi::clipboardText() const
+{
+    return clipboard ? clipboard->text() : QString();
 }

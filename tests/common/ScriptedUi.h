@@ -19,9 +19,9 @@ class ScriptedUi : public JobUi
 public:
     struct Prompt
     {
-        QString text;         // what was asked
-        QString defaultText;  // UserResponse on the way in
-        QString mode;         // PromptMode on the way in
+        QString text;        // what was asked
+        QString defaultText; // UserResponse on the way in
+        QString mode;        // PromptMode on the way in
         int maxLength = 0;
     };
     struct Shown
@@ -48,6 +48,10 @@ public:
     bool OpenUrl(const QUrl &url) override;
     void SetClipboard(QMimeData *data) override;
     void ProcessEvents() override;
+
+    // The texts of the messages shown, in order, and the text put on the clipboard.
+    QStringList messageTexts() const;
+    QString clipboardText() const;
 
     QList<Prompt> prompts;
     QList<Shown> messages;

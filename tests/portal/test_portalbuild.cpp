@@ -62,19 +62,6 @@ private:
     FtpAccount m_account;
 };
 
-QString clipboardText(const ScriptedUi &ui)
-{
-    return ui.clipboard ? ui.clipboard->text() : QString();
-}
-
-QStringList messageTexts(const ScriptedUi &ui)
-{
-    QStringList texts;
-    for (const auto &shown : ui.messages)
-        texts << shown.text;
-    return texts;
-}
-
 void addLinks(const QString &category, int count, int bullet = 9)
 {
     QVERIFY(MakeCategory(category));
@@ -324,7 +311,7 @@ private slots:
         QCOMPARE(readBytes(remote + "/logo.jpg"), readBytes(pictures.filePath("logo.jpg")));
         const QString pointer = "http://www.example.com/Portal/Portal.htm";
         QCOMPARE(job.Pointer, pointer);
-        QCOMPARE(clipboardText(ui), pointer);
+        QCOMPARE(ui.clipboardText(), pointer);
         QCOMPARE(state.CurrentPointer, pointer);
         QCOMPARE(ui.messages.last().text,
                  "The pointer, '" + pointer +
@@ -361,7 +348,7 @@ private slots:
         QCOMPARE(outcome, PortalOutcome::KeptLocal);
         QVERIFY(local.contains("my home"));
         QCOMPARE(job.Pointer, local);
-        QCOMPARE(clipboardText(ui), local);
+        QCOMPARE(ui.clipboardText(), local);
         QVERIFY(!server.isRunning());
     }
 
@@ -430,7 +417,7 @@ private slots:
         QVERIFY(!QFileInfo::exists(remote + "/Arrow3.gif"));
         QVERIFY(!QFileInfo::exists(remote + "/logo.jpg"));
         QCOMPARE(job.Pointer, QString("http://www.example.com/Portal/Portal.htm"));
-        QCOMPARE(clipboardText(ui), job.Pointer);
+        QCOMPARE(ui.clipboardText(), job.Pointer);
         QVERIFY(!ftp.IsConnected());
     }
 
@@ -456,7 +443,7 @@ private slots:
         ui.answerMessage(JobUi::Answer::Yes);
         QCOMPARE(PortalBuildJob(context, window, current).BuildStartupButton(),
                  PortalOutcome::Failed);
-        QVERIFY(messageTexts(ui).contains(
+        QVERIFY(ui.messageTexts().contains(
             "The connection to the upload path has failed. Select to resend."));
         QVERIFY(state.CurrentPointer.isEmpty());
         QVERIFY(readBytes(startup("Portal.htm")).contains("Alpha link 101"));

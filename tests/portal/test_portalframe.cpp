@@ -22,14 +22,6 @@ using namespace PortalFixture;
 
 namespace {
 
-QStringList messageTexts(const ScriptedUi &ui)
-{
-    QStringList texts;
-    for (const auto &shown : ui.messages)
-        texts << shown.text;
-    return texts;
-}
-
 QStringList items(const QListWidget *list)
 {
     QStringList names;
@@ -190,7 +182,7 @@ private slots:
     void aLinkNeedsACategory()
     {
         button("AndNewLinkButton")->click();
-        QCOMPARE(messageTexts(ui()), QStringList{"You need to select a category."});
+        QCOMPARE(ui().messageTexts(), QStringList{"You need to select a category."});
         QVERIFY(ui().prompts.isEmpty());
     }
 

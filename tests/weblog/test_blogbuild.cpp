@@ -62,19 +62,6 @@ private:
     FtpAccount m_account;
 };
 
-QString clipboardText(const ScriptedUi &ui)
-{
-    return ui.clipboard ? ui.clipboard->text() : QString();
-}
-
-QStringList messageTexts(const ScriptedUi &ui)
-{
-    QStringList texts;
-    for (const auto &shown : ui.messages)
-        texts << shown.text;
-    return texts;
-}
-
 } // namespace
 
 // Build Web Log against a real FTP server: the pages, the pictures and the feed go to
@@ -131,7 +118,7 @@ private slots:
         QCOMPARE(QDir(folder).entryList(QDir::Files).size(), 4);
         const QString pointer = "http://www.example.com/My_Logs/Trip_Notes/Web_Log.htm";
         QCOMPARE(job.Pointer, pointer);
-        QCOMPARE(clipboardText(ui), pointer);
+        QCOMPARE(ui.clipboardText(), pointer);
         QCOMPARE(state.CurrentPointer, pointer);
         QCOMPARE(takeActions, 1);
         QVERIFY(ui.statusTexts.contains("Uploading files"));
@@ -165,7 +152,7 @@ private slots:
         TransferContext context{ftp, ui, state, window, progress};
         BlogRecords records;
         QCOMPARE(BlogBuildJob(records, context, window).BlogBuild(), BlogBuildOutcome::NoWebLog);
-        QCOMPARE(messageTexts(ui), QStringList{"Select a file to build before starting a build."});
+        QCOMPARE(ui.messageTexts(), QStringList{"Select a file to build before starting a build."});
         QCOMPARE(window.progress.last(), QString("hide"));
     }
 
@@ -186,7 +173,7 @@ private slots:
         QVERIFY(QFileInfo(WebLogFolder("Trip Notes") + "/Web_Log.htm").isFile());
         QVERIFY(QFileInfo(WebLogFolder("Trip Notes") + "/Comments.htm").isFile());
         QCOMPARE(server.commands().size(), 0);
-        QVERIFY(clipboardText(ui).isEmpty());
+        QVERIFY(ui.clipboardText().isEmpty());
         QVERIFY(!window.busy);
     }
 
@@ -210,7 +197,7 @@ private slots:
             QDir(server.localPath("/Web_Log/Trip_Notes")).entryList(QDir::Files);
         QCOMPARE(sent.size(), 2);
         QVERIFY(state.CurrentPointer.isEmpty());
-        QVERIFY(clipboardText(ui).isEmpty());
+        QVERIFY(ui.clipboardText().isEmpty());
         QVERIFY(!ftp.IsConnected());
         QCOMPARE(window.progress.last(), QString("hide"));
     }
@@ -234,7 +221,7 @@ private slots:
             }
         };
         QCOMPARE(BlogBuildJob(records, context, window).BlogBuild(), BlogBuildOutcome::Failed);
-        QVERIFY(messageTexts(ui).contains(UploadPathFailedMessage));
+        QVERIFY(ui.messageTexts().contains(UploadPathFailedMessage));
         QVERIFY(state.CurrentPointer.isEmpty());
         // The pages stay on this computer.
         QVERIFY(readText(WebLogFolder("Trip Notes") + "/Web_Log.htm").contains("Day one"));

@@ -30,14 +30,6 @@ using namespace BuildBlog;
 
 namespace {
 
-QStringList messageTexts(const ScriptedUi &ui)
-{
-    QStringList texts;
-    for (const auto &shown : ui.messages)
-        texts << shown.text;
-    return texts;
-}
-
 // Clicks the named button of the spelling dialog as soon as it shows, once per name given.
 void answerSpelling(QStringList buttons, QStringList *seen = nullptr)
 {
@@ -202,7 +194,7 @@ private slots:
         auto *order = child<QLineEdit>("OrderItem");
         order->setText("5");
         frame->OrderItem_LostFocus();
-        QCOMPARE(messageTexts(fixture->ui).last(),
+        QCOMPARE(fixture->ui.messageTexts().last(),
                  QString("The Order number is greater than the number of sections in the list. "
                          "Please reenter (0 is default)."));
         QCOMPARE(order->text(), QString("0"));
@@ -218,7 +210,7 @@ private slots:
         for (int tab : {1, 3, 4}) {
             fixture->ui.messages.clear();
             frame->TabStrip3_Click(tab);
-            QCOMPARE(messageTexts(fixture->ui),
+            QCOMPARE(fixture->ui.messageTexts(),
                      QStringList{"You need to select or create a page to view."});
             QCOMPARE(fixture->ui.messages.first().title, QString("Tarnwick"));
             QCOMPARE(frame->TabStrip3()->currentIndex(), 0);
@@ -236,7 +228,7 @@ private slots:
         addSection("T");
         frame->BlogText()->setPlainText("make this bold");
         button("Command7_0")->click();
-        QCOMPARE(messageTexts(fixture->ui).last(),
+        QCOMPARE(fixture->ui.messageTexts().last(),
                  QString("Highlight a section of text, then select this button"));
         QTextCursor cursor = frame->BlogText()->textCursor();
         cursor.setPosition(10);
@@ -260,11 +252,11 @@ private slots:
         button("BlogSelectItem")->click();
         frame->File5()->clearSelection();
         button("BlogRemove")->click();
-        QCOMPARE(messageTexts(fixture->ui).last(), QString("Need to select a section first."));
+        QCOMPARE(fixture->ui.messageTexts().last(), QString("Need to select a section first."));
         frame->File5()->item(0)->setSelected(true);
         fixture->ui.answerMessage(JobUi::Answer::Cancel);
         button("BlogRemove")->click();
-        QCOMPARE(messageTexts(fixture->ui).last(),
+        QCOMPARE(fixture->ui.messageTexts().last(),
                  QString("Are you sure you what to remove this section from this page? (This "
                          "cannot be undone.)"));
         QCOMPARE(fixture->ui.messages.last().title, QString("Need to know..."));
@@ -277,11 +269,11 @@ private slots:
         frame->TabStrip3_Click(0);
         frame->File6(0)->clearSelection();
         button("RemoveBlogFileButton")->click();
-        QCOMPARE(messageTexts(fixture->ui).last(), QString("Need to select a page first."));
+        QCOMPARE(fixture->ui.messageTexts().last(), QString("Need to select a page first."));
         frame->File6(0)->item(0)->setSelected(true);
         fixture->ui.answerMessage(JobUi::Answer::Ok);
         button("RemoveBlogFileButton")->click();
-        QCOMPARE(messageTexts(fixture->ui).last(),
+        QCOMPARE(fixture->ui.messageTexts().last(),
                  QString("Are you sure you want to delete this Web Log? (This can not be "
                          "undone.)"));
         QVERIFY(!QFileInfo(MainRecordPath("Remove")).exists());
@@ -344,7 +336,7 @@ private slots:
     void colourBoxesNeedAWebLogAndGoToItsRecord()
     {
         frame->pageColour_Click(0);
-        QCOMPARE(messageTexts(fixture->ui).last(),
+        QCOMPARE(fixture->ui.messageTexts().last(),
                  QString("You need to create a file before setting this color."));
         openNewWebLog("Colours");
         QString offered;
@@ -534,7 +526,7 @@ private slots:
         back.section.SubTitle = "Two";
         QVERIFY(LoadBlogSection(back));
         QCOMPARE(back.section.BlogText, QString("Second section."));
-        QCOMPARE(messageTexts(fixture->ui).last(), QString("The spelling check is complete."));
+        QCOMPARE(fixture->ui.messageTexts().last(), QString("The spelling check is complete."));
     }
 
     void withSpellCheckingOffTheTextPassesUnchanged()
