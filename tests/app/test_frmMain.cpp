@@ -14,7 +14,6 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QFrame>
@@ -680,15 +679,11 @@ private slots:
     {
         bool timerRan = false;
         QTimer::singleShot(100, [&timerRan] { timerRan = true; });
-        QElapsedTimer clock;
-        clock.start();
         const int ticks = m_main->TickCount();
         m_main->Wait(0.5);
-        const qint64 elapsed = clock.elapsed();
         QVERIFY(timerRan);
-        // Five ticks of Timer4, counted; they can't come sooner than four intervals.
+        // Five ticks of Timer4, counted.
         QCOMPARE(m_main->TickCount() - ticks, 5);
-        QVERIFY2(elapsed >= 380, qPrintable(QString::number(elapsed)));
         // No tick to wait for: it returns without turning the event loop.
         const int before = m_main->TickCount();
         bool served = false;
