@@ -129,11 +129,27 @@ bool SavePageLink(const QString &path, const PageLink &link)
     return WriteRecordFile(path, text).ok;
 }
 
+bool UpdatePageLinkURL(const QString &path, const QString &url)
+{
+    PageLink link;
+    if (!LoadPageLink(path, link).ok)
+        return false;
+    // The name is read as it stands in the file: undone once, it is written back the same.
+    link.LinkName = DecodeRecordText(link.LinkName);
+    link.URLName = url;
+    return SavePageLink(path, link);
+}
+
 bool MakeCategory(const QString &name)
+{
+    return MakeCategoryIn(Folders::StartupFolder(), name);
+}
+
+bool MakeCategoryIn(const QString &startupFolder, const QString &name)
 {
     if (!FileNameProblem(name).isEmpty())
         return false;
-    const QString folder = Folders::StartupFolder() + QLatin1Char('/') + name;
+    const QString folder = startupFolder + QLatin1Char('/') + name;
     QDir().mkpath(folder);
     QFile file(folder + QStringLiteral(".Cat"));
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
