@@ -78,6 +78,15 @@ cFTP::cFTP(JobState &state, QObject *parent) : QObject(parent), m_state(&state)
 {
     m_transfers.onWaitStarted = [this](const QString &text) { emit WaitStarted(text); };
     m_transfers.onWaitEnded = [this] { emit WaitEnded(); };
+    // The job's files go over this session's connection when it is for the same account, so a
+    // job logs in once for its directory work and its files.
+    m_transfers.lender = [this](const FtpAddress &address, const QString &user,
+                                const QString &password) -> FtpConnection * {
+        if (!m_connection || m_connection->busy() || user != m_user || password != m_password ||
+            m_connection->address().baseUrl() != address.baseUrl())
+            return nullptr;
+        return m_connection.get();
+    };
 }
 
 cFTP::~cFTP() = default;
@@ -105,6 +114,7 @@ void cFTP::CloseConnection()
         m_connection->close();
         m_earlierLogins += m_connection->logins();
     }
+    m_transfers.Return();
     m_connection.reset();
     m_currentDirectory.clear();
 }
@@ -137,12 +147,14 @@ bool cFTP::OpenConnection(const QString &server, const QString &user, const QStr
         else
             fail(result, operation);
         m_earlierLogins += m_connection->logins();
+        m_transfers.Return();
         m_connection.reset();
         return false;
     }
     m_connection->setServerDirectory(entry);
     m_server = server;
     m_user = user;
+    m_password = password;
     m_currentDirectory = entry;
     return true;
 }
