@@ -293,11 +293,15 @@ QString cFTP::GetFTPDirectory()
         return m_currentDirectory;
     // The directory the session stands in may have gone from the server since (a kept
     // connection's server may still name it): entering it again is what shows it is there.
-    QStringList commands;
-    if (!m_currentDirectory.isEmpty())
-        commands << QStringLiteral("CWD ") + m_currentDirectory;
-    commands << QStringLiteral("PWD");
-    if (!runCommands(commands, operation))
+    // Its name is the one the server gave when the session went there, so once entered it
+    // needs no PWD: a job asks this before every file, and each question is a round trip.
+    if (!m_currentDirectory.isEmpty()) {
+        if (!runCommands({QStringLiteral("CWD ") + m_currentDirectory}, operation))
+            return QString();
+        m_connection->setServerDirectory(m_currentDirectory);
+        return m_currentDirectory;
+    }
+    if (!runCommands({QStringLiteral("PWD")}, operation))
         return QString();
     const QString path = PathFrom257(m_connection->lastReply().text());
     if (path.isEmpty()) {
