@@ -327,7 +327,7 @@ ImportResult ApplyBookmarkImport(const ImportPlan &plan,
                 result.failures << category.name + QLatin1Char('/') + link.name +
                                        QStringLiteral(".ptr: a Page Link of that name is there "
                                                       "already");
-            else if (BuildStartup::SavePageLink(path, record))
+            else if (BuildStartup::WriteNewPageLink(path, record))
                 ++result.linksWritten;
             else
                 result.failures << category.name + QLatin1Char('/') + link.name +

@@ -122,11 +122,32 @@ bool SavePageLink(const QString &path, const PageLink &link)
     if (!FileNameProblem(fileName.left(fileName.size() - 4)).isEmpty())
         return false;
     QDir().mkpath(QFileInfo(path).absolutePath());
-    const QString text =
-        RecordLine(QStringLiteral("LinkName"), EncodeRecordText(link.LinkName, true)) +
-        RecordLine(QStringLiteral("URLName"), escapeBeyondAscii(link.URLName)) +
-        RecordLine(QStringLiteral("Bullet"), QString::number(link.Bullet));
-    return WriteRecordFile(path, text).ok;
+    return WriteRecordFile(path, PageLinkRecord(link)).ok;
+}
+
+QString PageLinkRecord(const PageLink &link)
+{
+    return RecordLine(QStringLiteral("LinkName"), EncodeRecordText(link.LinkName, true)) +
+           RecordLine(QStringLiteral("URLName"), escapeBeyondAscii(link.URLName)) +
+           RecordLine(QStringLiteral("Bullet"), QString::number(link.Bullet));
+}
+
+bool WriteNewPageLink(const QString &path, const PageLink &link)
+{
+    const QString fileName = QFileInfo(path).fileName();
+    if (!fileName.endsWith(QLatin1String(".ptr")) ||
+        !FileNameProblem(fileName.left(fileName.size() - 4)).isEmpty())
+        return false;
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        return false;
+    // The same bytes as WriteRecordFile writes: single-byte text and the closing line end.
+    const QByteArray bytes = (PageLinkRecord(link) + QStringLiteral("\r\n")).toLatin1();
+    if (file.write(bytes) != bytes.size()) {
+        file.remove();
+        return false;
+    }
+    return true;
 }
 
 bool UpdatePageLinkURL(const QString &path, const QString &url)
