@@ -10,7 +10,8 @@ FtpConnection &TransferSession::For(const FtpAddress &address, const QString &us
     if (m_connection && m_connection->busy())
         return *m_connection;
     const bool same = m_connection && m_server == address.host && m_port == address.port &&
-                      m_user == user && m_password == password;
+                      m_connection->address().protocol == address.protocol && m_user == user &&
+                      m_password == password;
     if (!same) {
         Close();
         if (m_connection)
@@ -23,6 +24,9 @@ FtpConnection &TransferSession::For(const FtpAddress &address, const QString &us
         m_connection->onWaitStarted = [this](const QString &text) {
             if (onWaitStarted)
                 onWaitStarted(text);
+        };
+        m_connection->askTrust = [this](const FtpConnection::CertificateQuestion &question) {
+            return askTrust && askTrust(question);
         };
         m_connection->onWaitEnded = [this] {
             if (onWaitEnded)
