@@ -162,6 +162,7 @@ private:
     QSet<QString> m_toldPlain;
     QString m_server;
     QString m_user;
+    QString m_password;
     QString m_currentDirectory;
     QString m_lastErrorMessage;
     cDirList m_directoryList;
