@@ -1,10 +1,13 @@
 #include "FtpConnection.h"
 
+#include "CertificateCheck.h"
+#include "CertificateTrust.h"
 #include "Settings.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QFile>
 #include <QTimer>
 #include <QUrl>
 
@@ -76,6 +79,15 @@ bool changesDirectory(const QString &command)
            verb == QLatin1String("XCWD") || verb == QLatin1String("XCUP");
 }
 
+// The server refused what was asked, over a connection that still works.
+bool refusedOverWorkingConnection(CURLcode code)
+{
+    return code == CURLE_QUOTE_ERROR || code == CURLE_REMOTE_FILE_NOT_FOUND ||
+           code == CURLE_REMOTE_ACCESS_DENIED || code == CURLE_UPLOAD_FAILED ||
+           code == CURLE_REMOTE_DISK_FULL || code == CURLE_REMOTE_FILE_EXISTS ||
+           code == CURLE_LOGIN_DENIED || code == CURLE_PEER_FAILED_VERIFICATION;
+}
+
 } // namespace
 
 const QString FtpLimits::ConnectKey = QStringLiteral("ConnectTimeout");
@@ -145,8 +157,21 @@ FtpAddress FtpAddress::fromServerField(const QString &server)
 {
     FtpAddress address;
     QString text = server.trimmed();
-    if (text.startsWith(QLatin1String("ftp://"), Qt::CaseInsensitive))
-        text = text.mid(6);
+    const qsizetype schemeEnd = text.indexOf(QLatin1String("://"));
+    if (schemeEnd >= 0) {
+        const QString scheme = text.left(schemeEnd).toLower();
+        if (scheme == QLatin1String("ftp")) {
+            address.protocol = Protocol::Ftp;
+        } else if (scheme == QLatin1String("ftps")) {
+            address.protocol = Protocol::Ftps;
+        } else if (scheme == QLatin1String("sftp")) {
+            address.protocol = Protocol::Sftp;
+            address.port = 22;
+        } else {
+            return address;
+        }
+        text = text.mid(schemeEnd + 3);
+    }
     const qsizetype slash = text.indexOf(QLatin1Char('/'));
     if (slash >= 0)
         text.truncate(slash);
@@ -189,7 +214,12 @@ QByteArray FtpAddress::baseUrl() const
         hostPart = host.toUtf8();
     if (host.contains(QLatin1Char(':')))
         hostPart = '[' + host.toUtf8() + ']';
-    return "ftp://" + hostPart + ':' + QByteArray::number(port) + '/';
+    QByteArray scheme = "ftp://";
+    if (protocol == Protocol::Sftp)
+        scheme = "sftp://";
+    else if (protocol == Protocol::Ftps && port == 990)
+        scheme = "ftps://";
+    return scheme + hostPart + ':' + QByteArray::number(port) + '/';
 }
 
 QString FtpAddress::shown() const
@@ -204,6 +234,10 @@ FtpConnection::FtpConnection(const FtpAddress &address, const QString &user,
     : m_address(address), m_user(user.toUtf8()), m_password(password.toUtf8()), m_limits(limits)
 {
     initLibraryOnce();
+    m_check = std::make_unique<CertificateCheck>();
+    m_check->host = QUrl::toAce(address.host);
+    if (m_check->host.isEmpty())
+        m_check->host = address.host.toUtf8();
     m_easy = curl_easy_init();
     m_multi = curl_multi_init();
 }
@@ -255,12 +289,105 @@ FtpConnection::Result FtpConnection::perform(const Request &request)
         return result;
     }
     m_busy = true;
+    if (m_address.protocol == FtpAddress::Protocol::Sftp) {
+        m_knownHostsPath = QFile::encodeName(KnownHostsPath());
+        m_approvedKey.clear();
+        const bool kept = m_alive;
+        result = performSftp(request);
+        // A kept session that the server ended meanwhile, found before anything of the request
+        // moved: a new one, once.
+        if (kept && !result.ok() && !result.cancelled && !m_alive &&
+            !refusedOverWorkingConnection(result.code) && result.code != CURLE_OPERATION_TIMEDOUT &&
+            !m_readStarted && m_down == 0 && m_up == 0)
+            result = performSftp(request);
+        if (hostKeyRefused(result) && m_hostKey.match == HostKey::Match::New && askTrust) {
+            CertificateQuestion question;
+            question.server = m_address.shown();
+            question.why = QStringLiteral("its host key is not yet in ") + KnownHostsPath();
+            question.fingerprint = m_hostKey.fingerprint();
+            const HostKey offered = m_hostKey;
+            if (askTrust(question)) {
+                m_approvedKey = offered.blob;
+                result = performSftp(request);
+                if (m_hostKey.seen && m_hostKey.blob == offered.blob)
+                    AddKnownHost(
+                        offered.knownHostsLine(QString::fromLatin1(m_check->host), m_address.port));
+                m_approvedKey.clear();
+            }
+        }
+        noteSecurityProblem(result);
+        m_busy = false;
+        return result;
+    }
     Outcome outcome = Outcome::Done;
     result = performOnce(request, &outcome);
     if (outcome == Outcome::StaleConnection)
         result = performOnce(request, &outcome);
+    if (certificateRefused(result) && askTrust) {
+        CertificateQuestion question;
+        question.server = m_address.shown();
+        question.why = m_check->problem;
+        question.fingerprint = m_check->fingerprint;
+        question.changed = !m_check->trusted.isEmpty();
+        if (askTrust(question)) {
+            CertificateTrust::Trust(question.server, question.fingerprint);
+            result = performOnce(request, &outcome);
+        }
+    }
+    noteSecurityProblem(result);
     m_busy = false;
     return result;
+}
+
+bool FtpConnection::certificateRefused(const Result &result) const
+{
+    return !result.ok() && !result.cancelled && !m_check->problem.isEmpty() &&
+           !m_check->fingerprint.isEmpty();
+}
+
+void FtpConnection::noteSecurityProblem(const Result &result)
+{
+    m_securityProblem.clear();
+    if (result.ok() || result.cancelled)
+        return;
+    const QString stopped =
+        QStringLiteral(" The connection was stopped before the user name and password were sent.");
+    if (hostKeyRefused(result)) {
+        if (m_hostKey.match == HostKey::Match::Changed)
+            m_securityProblem =
+                QStringLiteral("WARNING: the host key of %1 is not the one kept for it in %2. "
+                               "Someone may be listening in between, or the server was set up "
+                               "anew; ask your host before you remove the old key from that "
+                               "file. The server's key now: %3.")
+                    .arg(m_address.shown(), KnownHostsPath(), m_hostKey.fingerprint()) +
+                stopped;
+        else
+            m_securityProblem =
+                QStringLiteral("The host key of %1 is not known (%2), and was not accepted.")
+                    .arg(m_address.shown(), m_hostKey.fingerprint()) +
+                stopped;
+        return;
+    }
+    if (certificateRefused(result)) {
+        m_securityProblem =
+            QStringLiteral("The certificate of %1 is not trusted: %2. Its SHA-256 fingerprint is "
+                           "%3.")
+                .arg(m_address.shown(), m_check->problem, m_check->fingerprint) +
+            stopped;
+    } else if (result.code == CURLE_USE_SSL_FAILED) {
+        m_securityProblem = QStringLiteral("%1 offers no encrypted connection (TLS), which "
+                                           "ftps:// asks for.")
+                                .arg(m_address.shown()) +
+                            stopped;
+    } else if (result.code == CURLE_SSL_CONNECT_ERROR ||
+               result.code == CURLE_PEER_FAILED_VERIFICATION) {
+        const QString detail = QString::fromUtf8(m_errorBuffer).trimmed();
+        m_securityProblem =
+            QStringLiteral("No encrypted connection (TLS) could be made with %1")
+                .arg(m_address.shown()) +
+            (detail.isEmpty() ? QStringLiteral(".")
+                              : QStringLiteral(": ") + detail + QStringLiteral("."));
+    }
 }
 
 FtpConnection::Result FtpConnection::performOnce(const Request &request, Outcome *outcome)
@@ -275,44 +402,29 @@ FtpConnection::Result FtpConnection::performOnce(const Request &request, Outcome
     m_readStarted = false;
     m_controlSocketSeen = false;
     m_abort = false;
-    m_down = 0;
-    m_up = 0;
+    m_check->reset();
+    m_check->trusted = CertificateTrust::Trusted(m_address.shown());
     const bool kept = m_alive;
 
     QStringList commands;
-    const bool moves = !request.directory.isEmpty() && !(kept && m_serverDirectory == request.directory);
+    const bool moves =
+        !request.directory.isEmpty() && !(kept && m_serverDirectory == request.directory);
     if (moves)
         commands.append(QStringLiteral("CWD ") + request.directory);
     commands.append(request.quote);
     // Without a CWD of its own the request relies on the kept connection: should the library
     // have to log in anew, the session would work in the login directory.
     m_expectKept = kept && !request.directory.isEmpty() && !moves;
-    const SList quote(commands);
-    const QByteArray url = m_address.baseUrl() + encodeName(request.fileName);
-
-    Result result;
-    runOnWorker(
-        [&] {
-            setUp(request, url, quote.list);
-            result.code = drive();
-        },
-        request.maxWaitMs);
-    if (const auto cut = m_reader.pending())
-        m_replies.append(*cut);
-    deliverProgress();
+    m_connecting = m_openedSession;
+    Result result = transfer(request, m_address.baseUrl() + encodeName(request.fileName), commands);
     m_request = nullptr;
-
-    // However the library ended a request that was stopped (a socket shut under it), it was
-    // the cancel that ended it.
-    result.cancelled = m_abort;
-    if (m_abort)
-        result.code = CURLE_ABORTED_BY_CALLBACK;
     for (const FtpReply &reply : std::as_const(m_replies)) {
         if (reply.code == 230)
             ++m_logins;
     }
-    const bool closedByServer = std::any_of(m_replies.cbegin(), m_replies.cend(),
-                                            [](const FtpReply &reply) { return reply.code == 421; });
+    const bool closedByServer =
+        std::any_of(m_replies.cbegin(), m_replies.cend(),
+                    [](const FtpReply &reply) { return reply.code == 421; });
     // Nothing of the request was carried out when a kept connection answered its first command
     // with 421 (which the library reports as a time-out), or failed before any answer at all
     // other than by a time-out (a server that stopped answering may simply be slow).
@@ -326,6 +438,10 @@ FtpConnection::Result FtpConnection::performOnce(const Request &request, Outcome
     // A request that failed may have left its connection in any state (a server that stopped
     // answering, a reply still owed): it is shut down, so that neither a later request nor the
     // closing QUIT waits on it, and the next request makes a new one.
+    if (m_openedSession && result.ok()) {
+        std::lock_guard<std::mutex> lock(m_check->m_lock);
+        m_sessionTls = m_check->version;
+    }
     m_alive = result.ok() && !closedByServer;
     if (!m_alive) {
         shutDownSockets();
@@ -340,6 +456,41 @@ FtpConnection::Result FtpConnection::performOnce(const Request &request, Outcome
     return result;
 }
 
+FtpConnection::Result FtpConnection::transfer(const Request &request, const QByteArray &url,
+                                              const QStringList &commands)
+{
+    Result result;
+    if (m_abort) {
+        result.code = CURLE_ABORTED_BY_CALLBACK;
+        result.cancelled = true;
+        return result;
+    }
+    const Request *outer = m_request;
+    m_request = &request;
+    m_errorBuffer[0] = '\0';
+    m_down = 0;
+    m_up = 0;
+    const SList quote(commands);
+    runOnWorker(
+        [&] {
+            setUp(request, url, quote.list);
+            result.code = drive();
+        },
+        request.maxWaitMs);
+    m_connecting = false;
+    if (const auto cut = m_reader.pending())
+        m_replies.append(*cut);
+    deliverProgress();
+    m_request = outer;
+
+    // However the library ended a request that was stopped (a socket shut under it), it was
+    // the cancel that ended it.
+    result.cancelled = m_abort;
+    if (m_abort)
+        result.code = CURLE_ABORTED_BY_CALLBACK;
+    return result;
+}
+
 void FtpConnection::setUp(const Request &request, const QByteArray &url, curl_slist *quote)
 {
     CURL *e = m_easy;
@@ -350,6 +501,29 @@ void FtpConnection::setUp(const Request &request, const QByteArray &url, curl_sl
         curl_easy_setopt(e, CURLOPT_PASSWORD, m_password.constData());
     }
     curl_easy_setopt(e, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(e, CURLOPT_ERRORBUFFER, m_errorBuffer);
+    if (m_address.protocol == FtpAddress::Protocol::Sftp) {
+        curl_easy_setopt(e, CURLOPT_SSH_AUTH_TYPES,
+                         static_cast<long>(CURLSSH_AUTH_PASSWORD | CURLSSH_AUTH_KEYBOARD));
+        curl_easy_setopt(e, CURLOPT_SSH_KNOWNHOSTS, m_knownHostsPath.constData());
+        curl_easy_setopt(e, CURLOPT_SSH_KEYFUNCTION, &FtpConnection::sshKeyCallback);
+        curl_easy_setopt(e, CURLOPT_SSH_KEYDATA, this);
+        if (m_connecting)
+            curl_easy_setopt(e, CURLOPT_FRESH_CONNECT, 1L);
+    } else {
+        curl_easy_setopt(e, CURLOPT_USE_SSL,
+                         static_cast<long>(m_address.protocol == FtpAddress::Protocol::Ftps
+                                               ? CURLUSESSL_ALL
+                                               : CURLUSESSL_TRY));
+        curl_easy_setopt(e, CURLOPT_FTPSSLAUTH, static_cast<long>(CURLFTPAUTH_TLS));
+        curl_easy_setopt(e, CURLOPT_SSL_VERIFYPEER, 1L);
+        // The program checks the chain, the name and the user's trusted certificate itself;
+        // where it can't, the library checks the name.
+        const bool ownCheck = curl_easy_setopt(e, CURLOPT_SSL_CTX_FUNCTION,
+                                               &FtpConnection::sslContextCallback) == CURLE_OK &&
+                              curl_easy_setopt(e, CURLOPT_SSL_CTX_DATA, this) == CURLE_OK;
+        curl_easy_setopt(e, CURLOPT_SSL_VERIFYHOST, ownCheck ? 0L : 2L);
+    }
     curl_easy_setopt(e, CURLOPT_FTP_FILEMETHOD, static_cast<long>(CURLFTPMETHOD_NOCWD));
     curl_easy_setopt(e, CURLOPT_FTP_USE_EPSV, 1L);
     curl_easy_setopt(e, CURLOPT_TCP_KEEPALIVE, 1L);
@@ -458,7 +632,7 @@ void FtpConnection::runOnWorker(const std::function<void()> &job, int maxWaitMs)
         told = true;
         onWaitStarted(text);
     };
-    if (m_openedSession)
+    if (m_connecting)
         tell(QStringLiteral("Connecting to ") + m_address.shown() + QStringLiteral("..."));
     QElapsedTimer clock;
     clock.start();
@@ -510,6 +684,18 @@ void FtpConnection::close()
 {
     if (m_busy)
         return;
+    if (m_address.protocol == FtpAddress::Protocol::Sftp) {
+        if (m_alive) {
+            m_busy = true;
+            closeSftp();
+            m_busy = false;
+        }
+        m_alive = false;
+        m_serverDirectory.clear();
+        m_sftpDirectory.clear();
+        shutDownSockets();
+        return;
+    }
     if (m_alive) {
         Request quit;
         quit.quote = {QStringLiteral("QUIT")};
@@ -543,6 +729,12 @@ bool FtpConnection::addReplyLine(const QByteArray &line)
         return false;
     }
     return true;
+}
+
+CURLcode FtpConnection::sslContextCallback(CURL *, void *sslContext, void *self)
+{
+    auto *connection = static_cast<FtpConnection *>(self);
+    return connection->m_check->install(sslContext) ? CURLE_OK : CURLE_SSL_CERTPROBLEM;
 }
 
 size_t FtpConnection::headerCallback(char *data, size_t size, size_t count, void *self)

@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include "FtpReplyReader.h"
+#include "HostKey.h"
 
 #include <curl/curl.h>
 
@@ -16,20 +17,36 @@
 #include <mutex>
 #include <set>
 
-// Where an FTP server is reached: "host" or "host:port" as the user typed it (a leading
-// "ftp://" and a trailing path are tolerated), port 21 when none is given.
+// Where a server is reached and how: "host", "host:port", "ftp://host[:port]",
+// "ftps://host[:port]" or "sftp://host[:port]" as the user typed it (a trailing path is
+// tolerated). Port 21 when none is given, 22 for sftp://.
 struct FtpAddress
 {
+    enum class Protocol
+    {
+        // FTP that asks the server for TLS (AUTH TLS) and goes on in plain FTP only when the
+        // server offers none: a plain host, or ftp://.
+        Ftp,
+        // FTP over TLS and nothing else (ftps://): a server without TLS is refused before the
+        // user name is sent. Port 990 is implicit TLS, any other explicit (AUTH TLS).
+        Ftps,
+        // SFTP over SSH (sftp://).
+        Sftp,
+    };
+
     QString host;
     int port = 21;
+    Protocol protocol = Protocol::Ftp;
     bool valid = false;
 
     static FtpAddress fromServerField(const QString &server);
-    // "ftp://host:port/" with an IPv6 address in brackets.
+    // "ftp://host:port/" (or ftps://, sftp://) with an IPv6 address in brackets.
     QByteArray baseUrl() const;
     // "host:port", as the status line names the server.
     QString shown() const;
 };
+
+struct CertificateCheck;
 
 // How long a connection waits for the server before it gives up with a time-out. Kept in the
 // settings in whole seconds ("ConnectTimeout", "ReplyTimeout", "StallTimeout"); a missing or
@@ -145,6 +162,28 @@ public:
     std::function<bool()> cancelRequested;
     // Stops the request in flight, if any; for an event served while perform() waits.
     void cancel();
+    // The security of the kept (or last) session: "" for plain FTP, else the TLS version the
+    // control connection reached ("TLS 1.3"). Known once a request opened the session.
+    QString tlsVersion() const { return m_sessionTls; }
+    // Why the last request was refused for the connection's security (a certificate that is
+    // not trusted, no TLS where ftps:// asks for it, a failed handshake); "" otherwise. A
+    // complete sentence for the user, with the certificate's SHA-256 fingerprint where one was
+    // seen.
+    QString securityProblem() const { return m_securityProblem; }
+
+    // A server certificate that does not verify, put to the user.
+    struct CertificateQuestion
+    {
+        QString server;       // "host:port"
+        QString why;          // OpenSSL's words, or that the name does not match
+        QString fingerprint;  // SHA-256, "AB:CD:..."
+        bool changed = false; // another certificate was trusted for this server before
+    };
+    // Asked (on the calling thread, during perform) when the server's certificate does not
+    // verify; true trusts that certificate for this server from now on (kept in the settings)
+    // and the request goes on. Unset: such a certificate is refused.
+    std::function<bool(const CertificateQuestion &question)> askTrust;
+
     // The library's moments, for status texts: the control connection's socket is about to be
     // opened to address (text "ip:port"); a line of the library's own commentary
     // ("Connected to ...").
@@ -174,6 +213,30 @@ private:
     };
 
     Result performOnce(const Request &request, Outcome *outcome);
+    // SFTP: the same requests, carried out with the library's SFTP operations, with the
+    // replies an FTP server would have given (see FtpConnection_Sftp.cpp).
+    Result performSftp(const Request &request);
+    Result openSftpSession(int maxWaitMs);
+    Result sftpCommand(const QString &command, int maxWaitMs, FtpReply *answer);
+    Result sftpQuote(const QStringList &commands, int maxWaitMs);
+    // Whether path (absolute) is there, and a directory, as its folder's listing tells.
+    Result sftpLookUp(const QString &path, int maxWaitMs, bool *found, bool *isDirectory);
+    // Whether path is a directory one can enter.
+    Result sftpEnter(const QString &path, int maxWaitMs, bool *exists);
+    QByteArray sftpUrl(const QString &path, bool directory) const;
+    void finishSftp(const Result &result);
+    void closeSftp();
+    // The request ended at the SFTP server's host key.
+    bool hostKeyRefused(const Result &result) const;
+    static int sshKeyCallback(CURL *, const struct curl_khkey *known,
+                              const struct curl_khkey *found, enum curl_khmatch match, void *self);
+    // The request ended at the server's certificate, and a fingerprint was seen.
+    bool certificateRefused(const Result &result) const;
+    void noteSecurityProblem(const Result &result);
+    // One request of the library, to url, with commands sent first (the library's quote list):
+    // the request's callbacks served, its progress delivered, a cancel seen. A request that
+    // was cancelled before goes no further.
+    Result transfer(const Request &request, const QByteArray &url, const QStringList &commands);
     // On the connection's thread: the easy handle set up for one request, and the request
     // driven to its end.
     void setUp(const Request &request, const QByteArray &url, curl_slist *quote);
@@ -185,6 +248,7 @@ private:
     void post(std::function<void()> fn);
     void deliverProgress();
 
+    static CURLcode sslContextCallback(CURL *, void *sslContext, void *self);
     static size_t headerCallback(char *data, size_t size, size_t count, void *self);
     static size_t readCallback(char *data, size_t size, size_t count, void *self);
     static size_t writeCallback(char *data, size_t size, size_t count, void *self);
@@ -213,6 +277,8 @@ private:
     FtpReplyReader m_reader;
     bool m_passwordAsked = false;
     bool m_openedSession = false;
+    // The next wait makes a new connection ("Connecting to ...").
+    bool m_connecting = false;
     // The request was sent over a kept connection without a CWD of its own.
     bool m_expectKept = false;
     bool m_unexpectedSession = false;
@@ -231,4 +297,16 @@ private:
     std::set<curl_socket_t> m_sockets;
     // The first socket a request that opens a session makes is its control connection.
     bool m_controlSocketSeen = false;
+    // What the TLS layer saw during the request (filled on the connection's thread).
+    std::unique_ptr<CertificateCheck> m_check;
+    QString m_sessionTls;
+    // SFTP: where the session stands, its login directory, a rename's source, the host key met
+    // (filled on the connection's thread) and the one the user accepted for this request.
+    QString m_sftpDirectory;
+    QString m_renameFrom;
+    HostKey m_hostKey;
+    QByteArray m_approvedKey;
+    QByteArray m_knownHostsPath;
+    QString m_securityProblem;
+    char m_errorBuffer[CURL_ERROR_SIZE] = {};
 };

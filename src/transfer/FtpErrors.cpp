@@ -53,6 +53,8 @@ QString Description(int number)
         {12030, QStringLiteral("Connection with the server has been terminated.")},
         {12031, QStringLiteral("Connection with the server has been reset.")},
         {12036, QStringLiteral("Request failed because the handle already exists.")},
+        {CertificateNotTrusted, QStringLiteral("The server's certificate is not trusted.")},
+        {SecureChannelFailed, QStringLiteral("No encrypted connection could be made.")},
     };
     return texts.value(number, QStringLiteral("Error details not available."));
 }
@@ -145,12 +147,31 @@ int NumberFor(CURLcode code, const QList<FtpReply> &replies, bool openedSession)
     case CURLE_RECV_ERROR:
     case CURLE_PARTIAL_FILE:
     case CURLE_GOT_NOTHING:
+    // The SSH session failed under an SFTP request (its refusals have codes of their own).
+    case CURLE_SSH:
         return 12030;
     case CURLE_WEIRD_SERVER_REPLY:
         if (turnedAwayAtLogin(replies, openedSession))
             return 12015;
         // A server that closes the control connection mid-request leaves a reply missing.
         return saidNo(last) ? ExtendedError : 12030;
+    case CURLE_PEER_FAILED_VERIFICATION:
+        return CertificateNotTrusted;
+    case CURLE_USE_SSL_FAILED:
+    case CURLE_SSL_CONNECT_ERROR:
+    case CURLE_SSL_CERTPROBLEM:
+    case CURLE_SSL_CIPHER:
+    case CURLE_SSL_ENGINE_NOTFOUND:
+    case CURLE_SSL_ENGINE_SETFAILED:
+    case CURLE_SSL_ENGINE_INITFAILED:
+    case CURLE_SSL_CACERT_BADFILE:
+    case CURLE_SSL_SHUTDOWN_FAILED:
+    case CURLE_SSL_CRL_BADFILE:
+    case CURLE_SSL_ISSUER_ERROR:
+    case CURLE_SSL_PINNEDPUBKEYNOTMATCH:
+    case CURLE_SSL_INVALIDCERTSTATUS:
+    case CURLE_SSL_CLIENTCERT:
+        return SecureChannelFailed;
     case CURLE_READ_ERROR:
     case CURLE_WRITE_ERROR:
         return 12004;
@@ -176,10 +197,24 @@ QString ServerText(const FtpReply &reply)
            reply.text();
 }
 
+bool IsSecurityNumber(int number)
+{
+    return number == CertificateNotTrusted || number == SecureChannelFailed;
+}
+
+QString Detail(const FtpConnection &connection)
+{
+    const QString problem = connection.securityProblem();
+    return problem.isEmpty() ? ServerText(connection.lastReply()) : problem;
+}
+
 QString Compose(int number, const QString &operation, const QString &serverReply)
 {
     if (number == ExtendedError)
         return serverReply.isEmpty() ? Description(number) : serverReply;
+    if (IsSecurityNumber(number) && !serverReply.isEmpty())
+        return serverReply + QStringLiteral(" Message: ") + QString::number(number) +
+               QStringLiteral(" error code: ") + operation;
     return Description(number) + QStringLiteral(" Message: ") + QString::number(number) +
            QStringLiteral(" error code: ") + operation;
 }

@@ -23,6 +23,12 @@ namespace FtpErrors {
 constexpr int ExtendedError = 12003; // the server refused: its last reply is the text
 constexpr int OperationCancelled = 12017;
 constexpr int ConnectionReset = 12031;
+// Beyond the table: a server certificate that is not trusted, and an encrypted connection
+// that could not be made (no TLS where ftps:// asks for it, a failed handshake). Their message
+// is the connection's own account of the problem (FtpConnection::securityProblem).
+constexpr int CertificateNotTrusted = 12045;
+constexpr int SecureChannelFailed = 12157;
+bool IsSecurityNumber(int number);
 
 // The table's text of a number; "Error details not available." for one it does not hold.
 // 12003 has no fixed text: "Extended error returned from server." stands for it here.
@@ -39,10 +45,14 @@ int NumberFor(CURLcode code, const QList<FtpReply> &replies, bool openedSession)
 // The server's words as a message shows them: the reply's text, said to be no FTP answer when
 // its code is out of the protocol's range (not 100 to 599).
 QString ServerText(const FtpReply &reply);
+// What a message shows of a failed request on connection: its security problem when it has
+// one, else ServerText of the last reply.
+QString Detail(const FtpConnection &connection);
 
 // The text left in GetLastErrorMessage: Description(number), " Message: ", the number,
 // " error code: ", the operation; for 12003 the server's last reply alone (or the description
-// when the server said nothing).
+// when the server said nothing); for the security numbers the detail in place of the
+// description.
 QString Compose(int number, const QString &operation, const QString &serverReply);
 
 } // namespace FtpErrors

@@ -32,7 +32,8 @@ QString nameOf(const QString &path)
 // The text of a failure as frmErrUpload shows it: the server's reply for 12003.
 QString errorText(int number, const QString &serverReply)
 {
-    if (number == FtpErrors::ExtendedError && !serverReply.isEmpty())
+    if ((number == FtpErrors::ExtendedError || FtpErrors::IsSecurityNumber(number)) &&
+        !serverReply.isEmpty())
         return serverReply;
     return FtpErrors::Description(number);
 }
@@ -165,7 +166,7 @@ bool TransferEngine::enterDirectory(FtpConnection &session, const QString &direc
     if (!result.ok()) {
         LastError = result.cancelled ? FtpErrors::OperationCancelled
                                      : FtpErrors::NumberFor(result.code, session);
-        LastErrorText = errorText(LastError, FtpErrors::ServerText(session.lastReply()));
+        LastErrorText = errorText(LastError, FtpErrors::Detail(session));
         LastWasCancelled = result.cancelled;
         tellClosed(session);
         return false;
@@ -373,10 +374,9 @@ void TransferEngine::recordFailure(bool cancelled, int number, const FtpConnecti
 {
     LastWasCancelled = cancelled || m_state.skipped();
     LastError = number;
-    LastErrorText = errorText(LastError, FtpErrors::ServerText(session.lastReply()));
+    LastErrorText = errorText(LastError, FtpErrors::Detail(session));
     if (!LastWasCancelled)
-        m_ui.FloodShowStatus(
-            WininetErrorText(LastError, FtpErrors::ServerText(session.lastReply())));
+        m_ui.FloodShowStatus(WininetErrorText(LastError, FtpErrors::Detail(session)));
 }
 
 void TransferEngine::TransferStatusCallback(int status, const QVariant &data)

@@ -20,7 +20,8 @@ FtpConnection &TransferSession::For(const FtpAddress &address, const QString &us
     }
     m_lent = nullptr;
     const bool same = m_connection && m_server == address.host && m_port == address.port &&
-                      m_user == user && m_password == password;
+                      m_connection->address().protocol == address.protocol && m_user == user &&
+                      m_password == password;
     if (!same) {
         Close();
         if (m_connection)
@@ -33,6 +34,9 @@ FtpConnection &TransferSession::For(const FtpAddress &address, const QString &us
         m_connection->onWaitStarted = [this](const QString &text) {
             if (onWaitStarted)
                 onWaitStarted(text);
+        };
+        m_connection->askTrust = [this](const FtpConnection::CertificateQuestion &question) {
+            return askTrust && askTrust(question);
         };
         m_connection->onWaitEnded = [this] {
             if (onWaitEnded)

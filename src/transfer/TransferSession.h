@@ -48,6 +48,8 @@ public:
     // Told of waits that the user should hear of (see FtpConnection::onWaitStarted).
     std::function<void(const QString &text)> onWaitStarted;
     std::function<void()> onWaitEnded;
+    // Asked when a server's certificate does not verify (see FtpConnection::askTrust).
+    std::function<bool(const FtpConnection::CertificateQuestion &question)> askTrust;
 
 private:
     FtpConnection *current() const { return m_lent ? m_lent : m_connection.get(); }

@@ -49,6 +49,27 @@ QString PathFrom257(const QString &reply)
     return QString();
 }
 
+QString TrustQuestionText(const FtpConnection::CertificateQuestion &question)
+{
+    if (question.changed)
+        return QStringLiteral("The certificate of %1 has changed since you trusted it (%2).\n\n"
+                              "SHA-256 fingerprint of the new certificate:\n%3\n\n"
+                              "Your host may have renewed it, or someone between you and the "
+                              "server may be listening. Trust the new certificate for this "
+                              "server?")
+            .arg(question.server, question.why, question.fingerprint);
+    return QStringLiteral("The certificate of %1 could not be verified (%2).\n\n"
+                          "SHA-256 fingerprint:\n%3\n\n"
+                          "Compare it with the fingerprint your host gives you. Trust this "
+                          "certificate for this server from now on?")
+        .arg(question.server, question.why, question.fingerprint);
+}
+
+QString ConnectedWithText(const QString &security)
+{
+    return security.isEmpty() ? QString() : QStringLiteral("Connected with ") + security;
+}
+
 QString TooLongListingText(const QString &directory)
 {
     return QStringLiteral("The server's listing of %1 is longer than %2 MB, more than the program "
@@ -78,15 +99,30 @@ cFTP::cFTP(JobState &state, QObject *parent) : QObject(parent), m_state(&state)
 {
     m_transfers.onWaitStarted = [this](const QString &text) { emit WaitStarted(text); };
     m_transfers.onWaitEnded = [this] { emit WaitEnded(); };
+    m_transfers.askTrust = [this](const FtpConnection::CertificateQuestion &question) {
+        return TrustQuestion && TrustQuestion(question);
+    };
     // The job's files go over this session's connection when it is for the same account, so a
     // job logs in once for its directory work and its files.
     m_transfers.lender = [this](const FtpAddress &address, const QString &user,
                                 const QString &password) -> FtpConnection * {
         if (!m_connection || m_connection->busy() || user != m_user || password != m_password ||
-            m_connection->address().baseUrl() != address.baseUrl())
+            m_connection->address().baseUrl() != address.baseUrl() ||
+            m_connection->address().protocol != address.protocol)
             return nullptr;
         return m_connection.get();
     };
+}
+
+QString cFTP::ConnectionSecurity() const
+{
+    if (!m_connection)
+        return QString();
+    if (m_connection->address().protocol == FtpAddress::Protocol::Sftp)
+        return QStringLiteral("SFTP");
+    const QString tls = m_connection->tlsVersion();
+    return tls.isEmpty() ? QStringLiteral("plain FTP, not encrypted")
+                         : QStringLiteral("FTPS (") + tls + QLatin1Char(')');
 }
 
 cFTP::~cFTP() = default;
@@ -137,6 +173,9 @@ bool cFTP::OpenConnection(const QString &server, const QString &user, const QStr
     }
     m_connection = std::make_unique<FtpConnection>(address, user, password);
     hookWaits(*m_connection);
+    m_connection->askTrust = [this](const FtpConnection::CertificateQuestion &question) {
+        return TrustQuestion && TrustQuestion(question);
+    };
     FtpConnection::Request request;
     request.quote = {QStringLiteral("PWD")};
     const auto result = run(request);
@@ -156,6 +195,13 @@ bool cFTP::OpenConnection(const QString &server, const QString &user, const QStr
     m_user = user;
     m_password = password;
     m_currentDirectory = entry;
+    if (address.protocol == FtpAddress::Protocol::Ftp && m_connection->tlsVersion().isEmpty() &&
+        !m_toldPlain.contains(address.shown())) {
+        m_toldPlain.insert(address.shown());
+        emit SecurityNotice(address.shown() +
+                            QStringLiteral(" offers no encryption: connected with plain FTP, "
+                                           "not encrypted."));
+    }
     return true;
 }
 
@@ -212,8 +258,7 @@ void cFTP::fail(const FtpConnection::Result &result, const QString &operation)
 {
     const int number = result.cancelled ? FtpErrors::OperationCancelled
                                         : FtpErrors::NumberFor(result.code, *m_connection);
-    m_lastErrorMessage =
-        FtpErrors::Compose(number, operation, FtpErrors::ServerText(m_connection->lastReply()));
+    m_lastErrorMessage = FtpErrors::Compose(number, operation, FtpErrors::Detail(*m_connection));
 }
 
 void cFTP::failWith(int number, const QString &operation)

@@ -5,6 +5,7 @@
 #include "cDirList.h"
 
 #include <QObject>
+#include <QSet>
 #include <QString>
 
 #include <memory>
@@ -56,7 +57,8 @@ public:
     bool CreateFTPDirectory(const QString &name);
     bool RemoveFTPDirectory(const QString &name);
     bool DeleteFTPFile(const QString &name);
-    // server is "host" or "host:port" (port 21 by default). Logs in at once, so a wrong
+    // server is "host", "host:port", "ftp://", "ftps://" or "sftp://" and host[:port] (see
+    // FtpAddress). Logs in at once, so a wrong
     // password fails here; the current directory becomes the login directory. Resets the
     // transfer type to ASCII and the mode flag to active, as every new connection does; the
     // data connections are passive whatever the mode flag says.
@@ -103,6 +105,13 @@ public:
     // Logins made through this session's own connection so far.
     int Logins() const { return m_earlierLogins + (m_connection ? m_connection->logins() : 0); }
 
+    // Asked when a server's certificate does not verify, for this session's connection and the
+    // transfer engine's (see FtpConnection::askTrust); true trusts it. Unset: refused.
+    std::function<bool(const FtpConnection::CertificateQuestion &question)> TrustQuestion;
+    // How the open connection reached its server, as the user reads it: "FTPS (TLS 1.3)",
+    // "plain FTP, not encrypted" or "SFTP"; "" when not connected.
+    QString ConnectionSecurity() const;
+
     quint32 TransferType() const { return m_transferType; }
     quint32 PassiveFlag() const { return m_passiveFlag; }
     bool IsConnected() const { return m_connection != nullptr; }
@@ -125,6 +134,9 @@ signals:
     // host:port..." when any other call has waited a moment; WaitEnded when it is over.
     void WaitStarted(const QString &text);
     void WaitEnded();
+    // A word for the status line, said once for each server: a server that was asked for an
+    // encrypted connection offered none, and the session goes on in plain FTP.
+    void SecurityNotice(const QString &text);
 
 private:
     struct Target
@@ -147,6 +159,7 @@ private:
     TransferSession m_transfers;
     int m_earlierLogins = 0;
     bool m_cancelStands = false;
+    QSet<QString> m_toldPlain;
     QString m_server;
     QString m_user;
     QString m_password;
@@ -164,6 +177,11 @@ private:
 QString TooLongListingText(const QString &directory);
 QString TooManyEntriesText(const QString &directory);
 QString UnusableNamesText(int count);
+
+// The question put to the user when a server's certificate does not verify.
+QString TrustQuestionText(const FtpConnection::CertificateQuestion &question);
+// "Connected with FTPS (TLS 1.3)" and the like, for a ConnectionSecurity() text.
+QString ConnectedWithText(const QString &security);
 
 // The path in a "257" reply ("257 "/a ""b""" is current" gives /a "b"); "" when there is none.
 QString PathFrom257(const QString &reply);

@@ -561,7 +561,11 @@ private slots:
         QTest::newRow("user refused") << int(CURLE_LOGIN_DENIED) << 12013;
         QTest::newRow("nested") << int(CURLE_RECURSIVE_API_CALL) << 12019;
         QTest::newRow("bad address") << int(CURLE_URL_MALFORMAT) << 12005;
-        QTest::newRow("other") << int(CURLE_SSL_CONNECT_ERROR) << 12004;
+        QTest::newRow("other") << int(CURLE_TOO_MANY_REDIRECTS) << 12004;
+        QTest::newRow("tls handshake") << int(CURLE_SSL_CONNECT_ERROR) << 12157;
+        QTest::newRow("no tls where asked for") << int(CURLE_USE_SSL_FAILED) << 12157;
+        QTest::newRow("certificate") << int(CURLE_PEER_FAILED_VERIFICATION) << 12045;
+        QTest::newRow("ssh session") << int(CURLE_SSH) << 12030;
         QTest::newRow("no proxy") << int(CURLE_COULDNT_RESOLVE_PROXY) << 12020;
         QTest::newRow("proxy handshake") << int(CURLE_PROXY) << 12020;
         QTest::newRow("not set up") << int(CURLE_FAILED_INIT) << 12004;

@@ -1,10 +1,16 @@
 #include "FtpTestServer.h"
 
+#include "CertificateCheck.h"
+#include "CertificateTrust.h"
+
+#include <QCryptographicHash>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QThread>
+
+#include <algorithm>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -46,6 +52,11 @@ QString FtpTestServer::scriptPath()
 QString FtpTestServer::hostileScriptPath()
 {
     return QStringLiteral(TARNWICK_HOSTILE_FTP_SERVER_SCRIPT);
+}
+
+QString FtpTestServer::sftpScriptPath()
+{
+    return QStringLiteral(TARNWICK_SFTP_SERVER_SCRIPT);
 }
 
 QString FtpTestServer::pythonProgram()
@@ -97,6 +108,39 @@ bool FtpTestServer::start()
         m_error = QStringLiteral("python3 with pyftpdlib is not installed (python3-pyftpdlib)");
         return false;
     }
+    const bool sftpFaultsOnly =
+        std::all_of(m_options.faults.cbegin(), m_options.faults.cend(), [](const QString &fault) {
+            return fault == QLatin1String("refuse-login") ||
+                   fault.startsWith(QLatin1String("drop-after="));
+        });
+    m_sftp = m_options.sftp ||
+             (qEnvironmentVariable("TARNWICK_TEST_SFTP") == QLatin1String("1") && sftpFaultsOnly &&
+              !m_options.hostile && m_options.permissions == Options().permissions);
+    m_tls = m_options.tls && !m_options.hostile && !m_sftp;
+    if (m_sftp) {
+        QStringList arguments = {sftpScriptPath(),
+                                 QStringLiteral("--home"),
+                                 m_home.path(),
+                                 QStringLiteral("--user"),
+                                 m_options.user,
+                                 QStringLiteral("--password"),
+                                 m_options.password,
+                                 QStringLiteral("--times"),
+                                 QString::number(m_options.times),
+                                 QStringLiteral("--host-key"),
+                                 m_work.filePath(QStringLiteral("hostkey")),
+                                 QStringLiteral("--command-log"),
+                                 m_work.filePath(QStringLiteral("commands.log")),
+                                 QStringLiteral("--login-log"),
+                                 m_work.filePath(QStringLiteral("logins.log")),
+                                 QStringLiteral("--login-delay"),
+                                 QString::number(m_options.loginDelayMs / 1000.0)};
+        for (const QString &fault : m_options.faults)
+            arguments << QStringLiteral("--fault") << fault;
+        if (m_fixedPort > 0)
+            arguments << QStringLiteral("--port") << QString::number(m_fixedPort);
+        return launch(python, arguments);
+    }
     QStringList arguments = {m_options.hostile ? hostileScriptPath() : scriptPath(),
                              QStringLiteral("--home"),
                              m_home.path(),
@@ -117,7 +161,15 @@ bool FtpTestServer::start()
                   << QString::number(m_options.loginDelayMs / 1000.0);
     for (const QString &fault : m_options.faults)
         arguments << QStringLiteral("--fault") << fault;
+    if (m_tls)
+        arguments << QStringLiteral("--certificate") << certificatePath();
+    if (m_fixedPort > 0)
+        arguments << QStringLiteral("--port") << QString::number(m_fixedPort);
+    return launch(python, arguments);
+}
 
+bool FtpTestServer::launch(const QString &python, const QStringList &arguments)
+{
     m_process = std::make_unique<QProcess>();
     m_process->setProcessChannelMode(QProcess::SeparateChannels);
     m_process->start(python, arguments);
@@ -175,11 +227,84 @@ bool FtpTestServer::isRunning() const
     return m_process && m_process->state() == QProcess::Running;
 }
 
-QString FtpTestServer::server() const
+QString FtpTestServer::address() const
 {
     if (m_options.faults.contains(QStringLiteral("unresolvable")))
         return QStringLiteral("no-such-host.invalid:21");
     return QStringLiteral("127.0.0.1:") + QString::number(m_port);
+}
+
+QString FtpTestServer::knownHostsLine() const
+{
+    if (!m_sftp)
+        return QString();
+    QFile file(m_work.filePath(QStringLiteral("hostkey.pub")));
+    if (!file.open(QIODevice::ReadOnly))
+        return QString();
+    const QList<QByteArray> fields = file.readAll().simplified().split(' ');
+    if (fields.size() < 2)
+        return QString();
+    return QStringLiteral("[127.0.0.1]:%1 %2 %3")
+        .arg(m_port)
+        .arg(QString::fromLatin1(fields[0]), QString::fromLatin1(fields[1]));
+}
+
+QString FtpTestServer::server() const
+{
+    if (m_sftp) {
+        if (m_options.trustCertificate) {
+            const QString line = knownHostsLine();
+            const QString path = QDir::homePath() + QStringLiteral("/.ssh/known_hosts");
+            QFile file(path);
+            const QByteArray known = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+            file.close();
+            if (!line.isEmpty() && !known.contains(line.toLatin1())) {
+                QDir().mkpath(QDir::homePath() + QStringLiteral("/.ssh"));
+                if (file.open(QIODevice::Append))
+                    file.write(line.toLatin1() + '\n');
+            }
+        }
+        return QStringLiteral("sftp://") + address();
+    }
+    if (!m_tls || !m_options.trustCertificate)
+        return address();
+    const QString fingerprint = certificateFingerprint();
+    if (!fingerprint.isEmpty() && CertificateTrust::Trusted(address()) != fingerprint)
+        CertificateTrust::Trust(address(), fingerprint);
+    return QStringLiteral("ftps://") + address();
+}
+
+QString FtpTestServer::certificatePath() const
+{
+    return m_work.filePath(QStringLiteral("certificate.pem"));
+}
+
+QString FtpTestServer::certificateFingerprint() const
+{
+    if (!m_tls)
+        return QString();
+    QFile file(certificatePath());
+    if (!file.open(QIODevice::ReadOnly))
+        return QString();
+    const QByteArray pem = file.readAll();
+    const QByteArray begin = "-----BEGIN CERTIFICATE-----";
+    const qsizetype start = pem.indexOf(begin);
+    const qsizetype end = pem.indexOf("-----END CERTIFICATE-----", start);
+    if (start < 0 || end < 0)
+        return QString();
+    const QByteArray der =
+        QByteArray::fromBase64(pem.mid(start + begin.size(), end - start - begin.size()));
+    return FingerprintText(QCryptographicHash::hash(der, QCryptographicHash::Sha256));
+}
+
+bool FtpTestServer::renewCertificate()
+{
+    m_fixedPort = m_port;
+    stop();
+    QFile::remove(certificatePath());
+    QFile::remove(m_work.filePath(QStringLiteral("hostkey")));
+    QFile::remove(m_work.filePath(QStringLiteral("hostkey.pub")));
+    return start();
 }
 
 QString FtpTestServer::localPath(const QString &remotePath) const

@@ -35,6 +35,8 @@ Faults for the tests (--fault, may be given more than once):
                      taken and then nothing more is sent or read on either connection
   half-reply[=CMD]   half a reply line, then the connection is closed: in place of the
                      greeting, or of the answer to CMD when one is named
+--certificate PATH offers TLS (AUTH TLS, explicit FTPS) with the certificate and key in PATH,
+made (self-signed, for localhost and 127.0.0.1) when the file does not exist.
 --login-delay S holds every password check S seconds (without holding other sessions), as a
 real server's check of a password does. Every login that succeeds is appended to --login-log,
 one line each ("<session> <user>").
@@ -113,7 +115,44 @@ def refuses_mkd(arg):
     return bool(name) and arg.rstrip("/").split("/")[-1] == name
 
 
-class FaultDTPHandler(DTPHandler):
+def hard_close(channel):
+    """Closes a connection without a word, nor a TLS goodbye."""
+    channel._error = True
+    channel.close()
+
+
+def make_certificate(path):
+    """A self-signed certificate for localhost and 127.0.0.1, with its key, in one PEM file."""
+    import datetime
+    import ipaddress
+    from cryptography import x509
+    from cryptography.hazmat.primitives import hashes, serialization
+    from cryptography.hazmat.primitives.asymmetric import ec
+    from cryptography.x509.oid import NameOID
+
+    key = ec.generate_private_key(ec.SECP256R1())
+    name = x509.Name([x509.NameAttribute(NameOID.COMMON_NAME, "localhost")])
+    now = datetime.datetime.utcnow()
+    certificate = (
+        x509.CertificateBuilder()
+        .subject_name(name)
+        .issuer_name(name)
+        .public_key(key.public_key())
+        .serial_number(x509.random_serial_number())
+        .not_valid_before(now - datetime.timedelta(days=1))
+        .not_valid_after(now + datetime.timedelta(days=30))
+        .add_extension(x509.SubjectAlternativeName([
+            x509.DNSName("localhost"),
+            x509.IPAddress(ipaddress.ip_address("127.0.0.1"))]), critical=False)
+        .sign(key, hashes.SHA256()))
+    with open(path, "wb") as f:
+        f.write(key.private_bytes(serialization.Encoding.PEM,
+                                  serialization.PrivateFormat.PKCS8,
+                                  serialization.NoEncryption()))
+        f.write(certificate.public_bytes(serialization.Encoding.PEM))
+
+
+class DtpFaults:
     cut_after = None
     stall_after = None
 
@@ -125,13 +164,13 @@ class FaultDTPHandler(DTPHandler):
                 self.stall_after = int(Options.faults["stall-after"])
         super().enable_receiving(type, cmd)
 
-    def handle_read(self):
+    def handle_read_event(self):
         if self.stall_after is not None and self.tot_bytes_received >= self.stall_after:
             # Stop reading for good; the control session is silenced too.
             self.receive = False
             self.cmd_channel.silenced = True
             return
-        super().handle_read()
+        super().handle_read_event()
         if self.cut_after is not None and self.tot_bytes_received >= self.cut_after:
             self.file_obj.flush()
             cmd = self.cmd_channel
@@ -141,12 +180,10 @@ class FaultDTPHandler(DTPHandler):
             try:
                 self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER,
                                        b"\x01\x00\x00\x00\x00\x00\x00\x00")
-            except OSError:
+            except Exception:
                 pass
-            self.close()
-            cmd.close()
-
-    handle_read_event = handle_read
+            hard_close(self)
+            hard_close(cmd)
 
     def readable(self):
         if self.stall_after is not None and self.cmd_channel.silenced:
@@ -157,8 +194,11 @@ class FaultDTPHandler(DTPHandler):
         return super().readable()
 
 
-class FaultHandler(FTPHandler):
-    dtp_handler = FaultDTPHandler
+class FaultDTPHandler(DtpFaults, DTPHandler):
+    pass
+
+
+class Faults:
     silenced = False
     data_silent = False
     closing_for_idle = False
@@ -186,7 +226,7 @@ class FaultHandler(FTPHandler):
             # Closed under the client's feet, after the reply that the file arrived (once the
             # data connection is done with: it is still closing here).
             self.silenced = True
-            self.ioloop.call_later(0, self.close)
+            self.ioloop.call_later(0, hard_close, self)
         idle = Options.faults.get("idle-421-after-files")
         if idle and count == int(idle):
             self.closing_for_idle = True
@@ -277,6 +317,27 @@ class FaultHandler(FTPHandler):
         super().pre_process_command(line, cmd, arg)
 
 
+class FaultHandler(Faults, FTPHandler):
+    dtp_handler = FaultDTPHandler
+
+
+try:
+    from pyftpdlib.handlers import TLS_DTPHandler, TLS_FTPHandler
+
+    class TlsFaultDTPHandler(DtpFaults, TLS_DTPHandler):
+        def readable(self):
+            # pyftpdlib closes a data channel that is asked whether it is readable before its
+            # transfer command came; a TLS one is asked while its handshake runs.
+            if not self.receive and not self._initialized:
+                return self._ssl_want_read
+            return super().readable()
+
+    class TlsFaultHandler(Faults, TLS_FTPHandler):
+        dtp_handler = TlsFaultDTPHandler
+except ImportError:  # no python3-openssl
+    TlsFaultHandler = None
+
+
 class DosFS(AbstractedFS):
     def format_list(self, basedir, listing, ignore_err=True):
         for basename in listing:
@@ -314,6 +375,7 @@ def main():
     parser.add_argument("--command-log")
     parser.add_argument("--login-log")
     parser.add_argument("--login-delay", type=float, default=0.0)
+    parser.add_argument("--certificate")
     args = parser.parse_args()
 
     for fault in args.fault:
@@ -336,6 +398,14 @@ def main():
     authorizer = DummyAuthorizer()
     authorizer.add_user(args.user, args.password, os.path.abspath(args.home), perm=args.perm)
     handler = FaultHandler
+    if args.certificate:
+        if TlsFaultHandler is None:
+            print("TLS needs python3-openssl", file=sys.stderr)
+            return 2
+        if not os.path.exists(args.certificate):
+            make_certificate(args.certificate)
+        handler = TlsFaultHandler
+        handler.certfile = args.certificate
     handler.authorizer = authorizer
     handler.banner = "Tarnwick test server ready."
     handler.passive_ports = None

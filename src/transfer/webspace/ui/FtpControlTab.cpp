@@ -24,9 +24,9 @@
 #include <QRadioButton>
 #include <QStatusBar>
 
-#include <functional>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <functional>
 
 namespace {
 
@@ -126,7 +126,8 @@ QWidget *FtpControlTab::buildAccountBox()
     layout->addWidget(m_advancedButton);
 
     connect(m_cmdConnect, &QPushButton::clicked, this, guarded(&FtpControlTab::cmdConnect_Click));
-    connect(m_cmdDisconnect, &QPushButton::clicked, this, guarded(&FtpControlTab::cmdDisconnect_Click));
+    connect(m_cmdDisconnect, &QPushButton::clicked, this,
+            guarded(&FtpControlTab::cmdDisconnect_Click));
     connect(m_advancedButton, &QPushButton::clicked, this, [this] { m_advanced->show(); });
     m_window.placeRing(14, m_cmdConnect);
     return box;
@@ -178,7 +179,10 @@ QWidget *FtpControlTab::buildBrowser()
     QLabel *uploadPath = m_window.UploadPath();
     uploadPath->setTextInteractionFlags(Qt::TextSelectableByMouse);
     uploadPath->show();
+    m_lblSecurity = new QLabel(box);
+    m_lblSecurity->setObjectName(QStringLiteral("lblSecurity"));
     layout->addWidget(m_lblDir);
+    layout->addWidget(m_lblSecurity);
     layout->addWidget(uploadPath);
 
     m_lv = new QTreeWidget(box);
@@ -236,10 +240,12 @@ QWidget *FtpControlTab::buildBrowser()
 
     connect(m_cmdUpload, &QPushButton::clicked, this, guarded(&FtpControlTab::cmdUpload_Click));
     connect(m_cmdDownload, &QPushButton::clicked, this, guarded(&FtpControlTab::cmdDownload_Click));
-    connect(m_cmdCreateDir, &QPushButton::clicked, this, guarded(&FtpControlTab::cmdCreateDir_Click));
+    connect(m_cmdCreateDir, &QPushButton::clicked, this,
+            guarded(&FtpControlTab::cmdCreateDir_Click));
     connect(m_cmdRename, &QPushButton::clicked, this, guarded(&FtpControlTab::cmdRename_Click));
     connect(m_cmdDelete, &QPushButton::clicked, this, guarded(&FtpControlTab::cmdDelete_Click));
-    connect(m_cmdDeleteAll, &QPushButton::clicked, this, guarded(&FtpControlTab::cmdDeleteAll_Click));
+    connect(m_cmdDeleteAll, &QPushButton::clicked, this,
+            guarded(&FtpControlTab::cmdDeleteAll_Click));
     connect(m_delSelectionButton, &QPushButton::clicked, this,
             guarded(&FtpControlTab::DelSelectionButton_Click));
     connect(m_cmdRefresh, &QPushButton::clicked, this, guarded(&FtpControlTab::ReloadFTPList));
@@ -294,7 +300,8 @@ QFrame *FtpControlTab::buildAdvancedFrame()
     buttons->addWidget(m_advancedDoneButton);
     layout->addLayout(buttons);
 
-    connect(m_searchButton, &QPushButton::clicked, this, guarded(&FtpControlTab::SearchForRootButton_Click));
+    connect(m_searchButton, &QPushButton::clicked, this,
+            guarded(&FtpControlTab::SearchForRootButton_Click));
     connect(m_advancedDoneButton, &QPushButton::clicked, m_advanced, &QFrame::hide);
     return m_advanced;
 }

@@ -131,6 +131,9 @@ private:
 
     QPushButton *m_cmdConnect = nullptr, *m_cmdDisconnect = nullptr;
     QLabel *m_lblDir = nullptr;
+    // How the connection reached the server ("Connected with FTPS (TLS 1.3)"); empty when
+    // not connected.
+    QLabel *m_lblSecurity = nullptr;
     QTreeWidget *m_lv = nullptr;
     QPushButton *m_cmdUpload = nullptr, *m_cmdDownload = nullptr, *m_cmdCreateDir = nullptr,
                 *m_cmdRename = nullptr, *m_cmdDelete = nullptr, *m_cmdDeleteAll = nullptr,

@@ -126,6 +126,7 @@ void FtpControlTab::cmdConnect_Click()
         return;
     }
     m_connected = true;
+    m_lblSecurity->setText(ConnectedWithText(m_ftp.ConnectionSecurity()));
     m_ftp.SetFTPDirectory(QStringLiteral("/"));
     ReloadFTPList();
     if (cancelled())
@@ -154,6 +155,7 @@ void FtpControlTab::cmdDisconnect_Click()
 {
     m_ftp.CloseConnection();
     m_connected = false;
+    m_lblSecurity->clear();
     m_lv->clear();
     EnableFTPButtons(false);
     m_window.setWindowTitle(QStringLiteral("Tarnwick - Ready to Connect"));

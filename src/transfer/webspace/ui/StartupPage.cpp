@@ -92,6 +92,10 @@ StartupPage::StartupPage(frmMain &window, FtpControlTab &tab, QWidget *parent)
     m_label4->setMinimumHeight(m_label4->fontMetrics().height() * 2);
     m_label4->setWordWrap(true);
 
+    m_protocolLabel = new QLabel(this);
+    m_protocolLabel->setObjectName(QStringLiteral("ProtocolLabel"));
+    m_protocolLabel->setWordWrap(true);
+
     m_waitLabel = new QLabel(this);
     m_waitLabel->setObjectName(QStringLiteral("WaitLabel"));
     m_waitLabel->setWordWrap(true);
@@ -129,6 +133,7 @@ StartupPage::StartupPage(frmMain &window, FtpControlTab &tab, QWidget *parent)
     layout->addWidget(m_label3);
     layout->addLayout(form);
     layout->addWidget(m_label4);
+    layout->addWidget(m_protocolLabel);
     layout->addWidget(m_waitLabel);
     layout->addLayout(buttons);
 
@@ -197,8 +202,13 @@ void StartupPage::TestConnectButton_Click()
     m_timer1->stop();
     wait.hold(QStringLiteral("Checking for connection."));
 
+    m_protocolLabel->clear();
     const bool connected =
         m_ftp.OpenConnection(m_values[1]->text(), m_values[3]->text(), m_values[4]->text());
+    if (connected)
+        m_protocolLabel->setText(ConnectedWithText(m_ftp.ConnectionSecurity()) + QLatin1Char('.'));
+    else if (!wait.cancelled())
+        m_protocolLabel->setText(m_ftp.GetLastErrorMessage());
     if (wait.cancelled()) {
         // Stopped by the user: no verdict.
     } else if (connected) {

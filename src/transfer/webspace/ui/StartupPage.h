@@ -47,6 +47,9 @@ public:
 
     QLineEdit *SettingValue(int index) const;
     QLabel *Label4() const { return m_label4; }
+    // How the last connection test reached the server ("Connected with FTPS (TLS 1.3)"), or
+    // that it failed; empty before the first test.
+    QLabel *ProtocolLabel() const { return m_protocolLabel; }
     QLabel *WaitLabel() const { return m_waitLabel; }
     QPushButton *CancelTestButton() const { return m_cancelTestButton; }
 
@@ -74,6 +77,7 @@ private:
     LocalWebSpace *m_local = nullptr;
     QLabel *m_label3 = nullptr;
     QLabel *m_label4 = nullptr;
+    QLabel *m_protocolLabel = nullptr;
     QTimer *m_timer1 = nullptr;
     std::function<void()> m_programEnd;
 };

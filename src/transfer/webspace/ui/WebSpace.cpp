@@ -19,9 +19,19 @@ WebSpace::WebSpace(frmMain &window, cFTP &ftp, JobUi *ui, TransferUi *progress)
         progress = m_ownProgress.get();
     }
     m_progress = progress;
+    m_ftp.TrustQuestion = [this](const FtpConnection::CertificateQuestion &question) {
+        return m_ui->Message(TrustQuestionText(question), QStringLiteral("Need to know..."),
+                             JobUi::Buttons::YesNo, JobUi::Icon::Warning,
+                             JobUi::Answer::No) == JobUi::Answer::Yes;
+    };
+    connect(&m_ftp, &cFTP::SecurityNotice, this,
+            [this](const QString &text) { m_ui->SetStatusText(text); });
 }
 
-WebSpace::~WebSpace() = default;
+WebSpace::~WebSpace()
+{
+    m_ftp.TrustQuestion = nullptr;
+}
 
 JobState &WebSpace::state() const
 {
