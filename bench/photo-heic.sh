@@ -3,8 +3,8 @@
 # photographs of Debian's mate-backgrounds with vips and heif-enc, x265's fastest preset), each
 # taken to its "Sml_" and "Lrg_" copies at 15% and 30%, JPEG quality 100, 4:2:0, in one run by:
 #   1. Tarnwick as the program does it: each HEIC put onto the Ready to Send list as a JPEG
-#      (the copy button: one picture after the other), then the sizing of the list (THREADS
-#      pictures at once);
+#      (the copy button: THREADS at most at once, within the sizing budget), then the sizing of
+#      the list (THREADS pictures at once);
 #   2. heif-convert to a JPEG of quality 100, then the JPEG path of photo-sizing.sh's anchor
 #      (vipsthumbnail for Lrg_, a second vipsthumbnail from it for Sml_), THREADS at once;
 #   3. vipsthumbnail reading the HEIC itself (libvips with libheif) for Lrg_, and Sml_ from it,
