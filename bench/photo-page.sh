@@ -88,6 +88,12 @@ c0=$(date +%s.%N)
 c1=$(date +%s.%N)
 c_upload=$(echo "$c1 - $c0" | bc)
 [ "$(ls "$scratch/web/Photos/Curl" | wc -l)" = "$t_files" ] || { echo "curl: not all files arrived"; exit 1; }
+# And by one ftplib process that keeps its connection (no curl tool around it).
+p0=$(date +%s.%N)
+(cd "$scratch" && /usr/bin/python3 "$here/ftp_send.py" 127.0.0.1 "$port" bench bench Photos/Ftplib sent/*)
+p1=$(date +%s.%N)
+p_upload=$(echo "$p1 - $p0" | bc)
+[ "$(ls "$scratch/web/Photos/Ftplib" | wc -l)" = "$t_files" ] || { echo "ftplib: not all files arrived"; exit 1; }
 
 # The shell script: vipsthumbnail for both sizes (as many processes as cores), a page, and one
 # curl -T per file.
@@ -121,6 +127,8 @@ s_size=$(du -sb "$scratch/web/Photos/Shell" | cut -f1)
 echo "tarnwick: $(head -1 "$scratch/tarnwick.out")"
 printf 'upload part: Tarnwick %s s (%s logins), one curl process %s s (1 login): %sx\n' \
     "$t_upload" "$t_logins" "$c_upload" "$(echo "scale=2; $t_upload / $c_upload" | bc)"
+printf 'upload part: Tarnwick %s s, one ftplib process %s s (1 login): %sx\n' \
+    "$t_upload" "$p_upload" "$(echo "scale=2; $t_upload / $p_upload" | bc)"
 printf '%-40s %8s %10s %10s %8s %8s\n' run "wall s" "user+sys s" "peak MB" files "MB up"
 printf '%-40s %8s %10s %10s %8s %8s\n' "Tarnwick Build All" "$t_wall" \
     "$(echo "$t_user + $t_sys" | bc)" "$((t_mem / 1024))" "$t_files" "$((t_size / 1000000))"

@@ -71,7 +71,7 @@ echo "== 200 files of 50 KB"
 for i in $(seq -w 1 200); do head -c 51200 /dev/urandom > "$work/small/file_$i.bin"; done
 # One curl process for all of them, keeping its connection: curl -T "{a,b,...}" URL/dir/
 list=$(cd "$work" && ls small/file_*.bin | paste -sd, -)
-curl_runs=(); ours_runs=()
+curl_runs=(); ours_runs=(); py_runs=(); pyr_runs=()
 for run in $(seq "$runs"); do
     rm -f "$work/home/"file_*.bin
     before=$(logins)
@@ -86,12 +86,22 @@ for run in $(seq "$runs"); do
     ours_logins=$(( $(logins) - before ))
     [ "$(ls "$work/home/" | grep -c '^file_')" = 200 ] || { echo "Tarnwick: not all files arrived"; exit 1; }
     for f in "$work/small/"*.bin; do cmp -s "$f" "$work/home/$(basename "$f")" || { echo "$f differs"; exit 1; }; done
-    echo "run $run: one curl process ${curl_runs[-1]} s ($curl_logins login), Tarnwick ${ours_runs[-1]} s ($ours_logins logins)"
+    rm -f "$work/home/"file_*.bin
+    before=$(logins)
+    t0=$(now); (cd "$work" && /usr/bin/python3 "$here/ftp_send.py" 127.0.0.1 "$port" bench bench / small/file_*.bin); t1=$(now)
+    py_runs+=("$(elapsed "$t0" "$t1")")
+    py_logins=$(( $(logins) - before ))
+    [ "$(ls "$work/home/" | grep -c '^file_')" = 200 ] || { echo "ftp_send.py: not all files arrived"; exit 1; }
+    rm -f "$work/home/"file_*.bin
+    t0=$(now); (cd "$work" && /usr/bin/python3 "$here/ftp_send.py" --rename 127.0.0.1 "$port" bench bench / small/file_*.bin); t1=$(now)
+    pyr_runs+=("$(elapsed "$t0" "$t1")")
+    [ "$(ls "$work/home/" | grep -c '^file_.*bin$')" = 200 ] || { echo "ftp_send.py --rename: not all files arrived"; exit 1; }
+    echo "run $run: one curl process ${curl_runs[-1]} s ($curl_logins login), one ftplib process ${py_runs[-1]} s ($py_logins login), the same with renames ${pyr_runs[-1]} s, Tarnwick ${ours_runs[-1]} s ($ours_logins logins)"
 done
 for pick in best median; do
-    c=$($pick "${curl_runs[@]}"); o=$($pick "${ours_runs[@]}")
-    printf '%s: one curl process %.3f s, Tarnwick %.3f s, Tarnwick takes %.2fx the time of curl\n' \
-        "$pick" "$c" "$o" "$(calc "$o / $c")"
+    c=$($pick "${curl_runs[@]}"); o=$($pick "${ours_runs[@]}"); p=$($pick "${py_runs[@]}"); r=$($pick "${pyr_runs[@]}")
+    printf '%s: one curl process %.3f s, one ftplib process %.3f s (%.3f s with renames), Tarnwick %.3f s: %.2fx the time of curl, %.2fx of ftplib, %.2fx of ftplib with renames\n' \
+        "$pick" "$c" "$p" "$r" "$o" "$(calc "$o / $c")" "$(calc "$o / $p")" "$(calc "$o / $r")"
 done
 
 echo "== 1 GB with the progress dialog on screen, cancelled half way"

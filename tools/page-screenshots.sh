@@ -6,9 +6,10 @@
 # click on the first photo.
 # Usage: tools/page-screenshots.sh [build folder]   (default: build; test_photo_page must be
 # built there: cmake --build BUILD --target test_photo_page)
-# Needs chromium (apt-get install -y chromium). PHOTOS=<folder> puts the .jpg pictures of that
+# Needs chromium and python3-pil (apt-get install -y chromium python3-pil). PHOTOS=<folder> puts the .jpg pictures of that
 # folder on the page in place of the drawn scenes.
 set -eu
+tools=$(cd "$(dirname "$0")" && pwd)
 here=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$here/build}
 [ -x "$build/bin/test_photo_page" ] || { echo "build $build/bin/test_photo_page first"; exit 1; }
@@ -27,17 +28,8 @@ chrome() {
 
 # shoot WIDTH FILE: the whole page at that width.
 shoot() {
-    # The page's height at this width: a copy of the page writes it into its own body once its
-    # pictures are in. Chromium lays out --dump-dom at least 500 pixels wide, so the copy is held
-    # to the width (the page's phone layout applies below 640 pixels either way).
-    sed -e "s|</head>|<style>html { width: $1px; }</style></head>|" \
-        -e 's|</body>|<script>addEventListener("load", () => document.body.setAttribute("data-height", document.documentElement.scrollHeight))</script></body>|' \
-        "$scratch/page/Photos.htm" > "$scratch/page/measure.htm"
-    height=$(chrome --window-size="$1,800" --dump-dom "file://$scratch/page/measure.htm" |
-        sed -n 's/.*data-height="\([0-9]*\)".*/\1/p' | head -1)
-    [ -n "$height" ] || { echo "could not measure the page at width $1"; exit 1; }
-    chrome --window-size="$1,$height" --screenshot="$2" "file://$scratch/page/Photos.htm" >/dev/null
-    echo "$2: $1 x $height"
+    /usr/bin/python3 "$tools/page-shot.py" "file://$scratch/page/Photos.htm" "$1" "$2"
+    echo "$2: $(file -b "$2" | cut -d, -f2)"
 }
 
 # viewer WIDTH HEIGHT FILE: the view over the page, opened as a click on the first photo does.

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Screenshots of the Build a Portal tab and of a new user's portal page (the default links and
 # three Categories of twelve links added through the tab, with a logo) as headless Chromium
-# shows it at desktop (1280 px) and phone (390 px) width, into docs/.
+# shows it at desktop (1280 px) and phone (390 px) width, the whole page, into docs/.
+# Needs chromium and python3-pil.
 #
 #   tools/portal-screenshots.sh [BUILD_DIR]     (default build)
 set -euo pipefail
@@ -14,8 +15,7 @@ cmake --build "$build" --target test_portal_gui >/dev/null
 TARNWICK_SCREENSHOT_DIR=$out QT_QPA_PLATFORM=offscreen "$build/bin/test_portal_gui" >/dev/null
 cp "$out/portal-tab.png" "$source_dir/docs/portal-tab.png"
 page="file://$out/portal-page/Portal.htm"
-chromium --headless --no-sandbox --hide-scrollbars --window-size=1280,1250 \
-    --screenshot="$source_dir/docs/portal-1280.png" "$page" 2>/dev/null
-chromium --headless --no-sandbox --hide-scrollbars --window-size=390,2350 \
-    --screenshot="$source_dir/docs/portal-390.png" "$page" 2>/dev/null
+# The whole page at each width, however long it is.
+/usr/bin/python3 "$here/page-shot.py" "$page" 1280 "$source_dir/docs/portal-1280.png"
+/usr/bin/python3 "$here/page-shot.py" "$page" 390 "$source_dir/docs/portal-390.png"
 ls -l "$source_dir"/docs/portal-*.png

@@ -4,8 +4,9 @@
 # pictures, pointers and a comment), top to bottom, in headless Chromium.
 # Usage: tools/weblog-screenshots.sh [build folder]   (default: build; test_blogpages must be
 # built there: cmake --build BUILD --target test_blogpages)
-# Needs chromium (apt-get install -y chromium).
+# Needs chromium and python3-pil (apt-get install -y chromium python3-pil).
 set -eu
+tools=$(cd "$(dirname "$0")" && pwd)
 here=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$here/build}
 [ -x "$build/bin/test_blogpages" ] || { echo "build $build/bin/test_blogpages first"; exit 1; }
@@ -15,26 +16,10 @@ trap 'rm -rf "$scratch"' EXIT
 TARNWICK_WEBLOG_PAGE_OUT="$scratch/page" QT_QPA_PLATFORM=offscreen \
     "$build/bin/test_blogpages" aSampleWebLogMakesACompletePage >/dev/null
 
-chrome() {
-    chromium --headless --no-sandbox --disable-gpu --disable-quic --no-first-run \
-        --disable-background-networking --disable-component-update --disable-sync \
-        --hide-scrollbars --user-data-dir="$scratch/profile" --virtual-time-budget=5000 \
-        "$@" 2>/dev/null
-}
-
 # shoot WIDTH FILE: the whole page at that width.
 shoot() {
-    # The page's height at this width: a copy of the page writes it into its own body once its
-    # pictures are in. Chromium lays out --dump-dom at least 500 pixels wide, so the copy is held
-    # to the width (the page's phone layout applies below 640 pixels either way).
-    sed -e "s|</head>|<style>html { width: $1px; }</style></head>|" \
-        -e 's|</body>|<script>addEventListener("load", () => document.body.setAttribute("data-height", document.documentElement.scrollHeight))</script></body>|' \
-        "$scratch/page/Web_Log.htm" > "$scratch/page/measure.htm"
-    height=$(chrome --window-size="$1,800" --dump-dom "file://$scratch/page/measure.htm" |
-        sed -n 's/.*data-height="\([0-9]*\)".*/\1/p' | head -1)
-    [ -n "$height" ] || { echo "could not measure the page at width $1"; exit 1; }
-    chrome --window-size="$1,$height" --screenshot="$2" "file://$scratch/page/Web_Log.htm" >/dev/null
-    echo "$2: $1 x $height"
+    /usr/bin/python3 "$tools/page-shot.py" "file://$scratch/page/Web_Log.htm" "$1" "$2"
+    echo "$2: $(file -b "$2" | cut -d, -f2)"
 }
 
 shoot 1280 "$here/docs/weblog-page.png"

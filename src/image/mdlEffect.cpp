@@ -31,12 +31,13 @@ std::optional<QImage> invert(QImage picture, const EffectParameters &p)
     if (result.isNull() || !result.bits())
         return std::nullopt;
     // The source painted over a white picture with XOR.
+    const int width = result.width();
     const bool done = ForRows(
         0, result.height() - 1,
-        [&result](int begin, int end) {
+        [&result, width](int begin, int end) {
             for (int y = begin; y < end; ++y) {
                 auto *line = reinterpret_cast<QRgb *>(result.scanLine(y));
-                for (int x = 0; x < result.width(); ++x)
+                for (int x = 0; x < width; ++x)
                     line[x] = (line[x] ^ 0x00FFFFFFu) | 0xFF000000u;
             }
         },

@@ -62,14 +62,19 @@ struct Region
 void channelTable(QImage &picture, const Region &r, const std::array<uchar, 256> &table,
                   bool parallel, const FilterProgress &progress, bool &cancelled)
 {
+    // The bounds and the table are copied first: a pixel written through a QRgb pointer could be
+    // any int or byte the loop reads, so the compiler would load them again for every pixel.
+    const int x1 = r.x1;
+    const int x2 = r.x2;
+    const std::array<uchar, 256> t = table;
     cancelled = !ForRows(
         r.y1, r.y2,
-        [&](int begin, int end) {
+        [&picture, x1, x2, t](int begin, int end) {
             for (int y = begin; y < end; ++y) {
                 QRgb *line = row(picture, y);
-                for (int x = r.x1; x <= r.x2; ++x) {
+                for (int x = x1; x <= x2; ++x) {
                     const QRgb p = line[x];
-                    line[x] = pixel(table[redOf(p)], table[greenOf(p)], table[blueOf(p)]);
+                    line[x] = pixel(t[redOf(p)], t[greenOf(p)], t[blueOf(p)]);
                 }
             }
         },
@@ -81,12 +86,15 @@ template <typename F>
 void perPixel(QImage &picture, const Region &r, bool parallel, const FilterProgress &progress,
               bool &cancelled, F f)
 {
+    // The bounds are copied first, so that the loop over a row needs no load but the pixel's.
+    const int x1 = r.x1;
+    const int x2 = r.x2;
     cancelled = !ForRows(
         r.y1, r.y2,
-        [&](int begin, int end) {
+        [&picture, x1, x2, f](int begin, int end) {
             for (int y = begin; y < end; ++y) {
                 QRgb *line = row(picture, y);
-                for (int x = r.x1; x <= r.x2; ++x)
+                for (int x = x1; x <= x2; ++x)
                     line[x] = f(line[x]);
             }
         },
@@ -456,8 +464,10 @@ FilterResult ImageFilter(int filter, QImage &picture, int &x1, int &y1, int &x2,
     switch (filter) {
     case FilterBlacknWhite:
         perPixel(picture, r, parallel, progress, cancelled, [](QRgb p) {
-            const bool dark = redOf(p) < 192 && greenOf(p) < 192 && blueOf(p) < 192;
-            return dark ? pixel(0, 0, 0) : pixel(255, 255, 255);
+            // Without branches: a photo's pixels fall on either side of the line at random.
+            const unsigned dark =
+                unsigned(redOf(p) < 192) & unsigned(greenOf(p) < 192) & unsigned(blueOf(p) < 192);
+            return 0xFF000000u | (0x00FFFFFFu * (dark ^ 1u));
         });
         break;
     case FilterBlur:

@@ -122,18 +122,55 @@ bool SavePageLink(const QString &path, const PageLink &link)
     if (!FileNameProblem(fileName.left(fileName.size() - 4)).isEmpty())
         return false;
     QDir().mkpath(QFileInfo(path).absolutePath());
-    const QString text =
-        RecordLine(QStringLiteral("LinkName"), EncodeRecordText(link.LinkName, true)) +
-        RecordLine(QStringLiteral("URLName"), escapeBeyondAscii(link.URLName)) +
-        RecordLine(QStringLiteral("Bullet"), QString::number(link.Bullet));
-    return WriteRecordFile(path, text).ok;
+    return WriteRecordFile(path, PageLinkRecord(link)).ok;
+}
+
+QString PageLinkRecord(const PageLink &link)
+{
+    return RecordLine(QStringLiteral("LinkName"), EncodeRecordText(link.LinkName, true)) +
+           RecordLine(QStringLiteral("URLName"), escapeBeyondAscii(link.URLName)) +
+           RecordLine(QStringLiteral("Bullet"), QString::number(link.Bullet));
+}
+
+bool WriteNewPageLink(const QString &path, const PageLink &link)
+{
+    const QString fileName = QFileInfo(path).fileName();
+    if (!fileName.endsWith(QLatin1String(".ptr")) ||
+        !FileNameProblem(fileName.left(fileName.size() - 4)).isEmpty())
+        return false;
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        return false;
+    // The same bytes as WriteRecordFile writes: single-byte text and the closing line end.
+    const QByteArray bytes = (PageLinkRecord(link) + QStringLiteral("\r\n")).toLatin1();
+    if (file.write(bytes) != bytes.size()) {
+        file.remove();
+        return false;
+    }
+    return true;
+}
+
+bool UpdatePageLinkURL(const QString &path, const QString &url)
+{
+    PageLink link;
+    if (!LoadPageLink(path, link).ok)
+        return false;
+    // The name is read as it stands in the file: undone once, it is written back the same.
+    link.LinkName = DecodeRecordText(link.LinkName);
+    link.URLName = url;
+    return SavePageLink(path, link);
 }
 
 bool MakeCategory(const QString &name)
 {
+    return MakeCategoryIn(Folders::StartupFolder(), name);
+}
+
+bool MakeCategoryIn(const QString &startupFolder, const QString &name)
+{
     if (!FileNameProblem(name).isEmpty())
         return false;
-    const QString folder = Folders::StartupFolder() + QLatin1Char('/') + name;
+    const QString folder = startupFolder + QLatin1Char('/') + name;
     QDir().mkpath(folder);
     QFile file(folder + QStringLiteral(".Cat"));
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))

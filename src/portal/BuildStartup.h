@@ -47,9 +47,21 @@ LoadResult LoadPageLink(const QString &path, PageLink &link);
 // file name can't be a file's name; false when nothing was written. Characters of the address
 // beyond ASCII are written %-escaped (as a browser sends them), so the record keeps them.
 bool SavePageLink(const QString &path, const PageLink &link);
+// The record text SavePageLink writes (without the closing line end).
+QString PageLinkRecord(const PageLink &link);
+// Writes link to path as a new file, never over one that is there (false then), without the
+// wait for the disk that SavePageLink's replacement of a file takes: for many new links at
+// once. A file cut short by a crash reads as a link with what it holds.
+bool WriteNewPageLink(const QString &path, const PageLink &link);
+// Points the Page Link at path to url, keeping its name (as it was written) and its bullet;
+// false when the record could not be read or written.
+bool UpdatePageLinkURL(const QString &path, const QString &url);
 // Creates the Category's folder and "<name>.Cat" holding "directory file <name>". An existing
 // folder keeps its links. false when the ".Cat" file could not be written.
 bool MakeCategory(const QString &name);
+// The same in the folder startupFolder (MakeCategory's is Folders::StartupFolder()); may run on
+// any thread.
+bool MakeCategoryIn(const QString &startupFolder, const QString &name);
 
 // "" when name can be the name of a Category or Page Link file; otherwise the message that
 // tells the user why not.

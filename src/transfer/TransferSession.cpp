@@ -7,8 +7,18 @@ FtpConnection &TransferSession::For(const FtpAddress &address, const QString &us
 {
     // A connection in use is never replaced under its request; a second request on it is
     // refused there (12019).
-    if (m_connection && m_connection->busy())
-        return *m_connection;
+    if (FtpConnection *connection = current(); connection && connection->busy())
+        return *connection;
+    if (FtpConnection *lent = lender ? lender(address, user, password) : nullptr) {
+        if (m_connection) {
+            m_connection->close();
+            m_earlierLogins += m_connection->logins();
+            m_connection.reset();
+        }
+        m_lent = lent;
+        return *lent;
+    }
+    m_lent = nullptr;
     const bool same = m_connection && m_server == address.host && m_port == address.port &&
                       m_user == user && m_password == password;
     if (!same) {
@@ -34,23 +44,24 @@ FtpConnection &TransferSession::For(const FtpAddress &address, const QString &us
 
 void TransferSession::Close()
 {
-    if (m_connection && !m_connection->busy())
-        m_connection->close();
+    if (FtpConnection *connection = current(); connection && !connection->busy())
+        connection->close();
 }
 
 void TransferSession::Cancel()
 {
-    if (m_connection)
-        m_connection->cancel();
+    if (FtpConnection *connection = current())
+        connection->cancel();
 }
 
 void TransferSession::Unhook()
 {
-    if (!m_connection)
+    FtpConnection *connection = current();
+    if (!connection)
         return;
-    m_connection->cancelRequested = nullptr;
-    m_connection->onOpenSocket = nullptr;
-    m_connection->onLibraryText = nullptr;
+    connection->cancelRequested = nullptr;
+    connection->onOpenSocket = nullptr;
+    connection->onLibraryText = nullptr;
 }
 
 int TransferSession::Logins() const

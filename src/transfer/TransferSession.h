@@ -8,10 +8,11 @@
 #include <memory>
 
 // The transfer engine's connection of one job. The files of a job go over it one after another,
-// beside cFTP's own connection for the directory work, so that a job logs in once for all its
-// files. A new connection is made when none is open, when the account changes, and after one
-// that failed or was dropped; the job closes it at its end (cFTP::CloseConnection does, as does
-// the start of the next job).
+// so that a job logs in once for all its files. When the session has a lender (cFTP, whose own
+// connection does the job's directory work), the files go over the lender's connection for the
+// same account, and the whole job logs in once. Otherwise a connection of the session's own is
+// made when none is open, when the account changes, and after one that failed or was dropped;
+// the job closes it at its end (cFTP::CloseConnection does, as does the start of the next job).
 class TransferSession final
 {
 public:
@@ -24,7 +25,7 @@ public:
     // password, else a new one, which logs in at its first request.
     FtpConnection &For(const FtpAddress &address, const QString &user, const QString &password);
     // A logged-in connection is kept.
-    bool IsOpen() const { return m_connection && m_connection->isOpen(); }
+    bool IsOpen() const { return current() && current()->isOpen(); }
     // Ends the kept connection (QUIT while the server answers). Safe to call at any time.
     void Close();
     // Stops the request in flight, if any.
@@ -32,15 +33,27 @@ public:
     // Forgets the cancel check and the status hooks a user of the kept connection set on it,
     // for a user that goes while the connection stays.
     void Unhook();
-    // Logins made through this session so far (over every connection it has had).
+    // Logins made through the session's own connections so far (a borrowed connection's are
+    // its owner's).
     int Logins() const;
+
+    // A connection of the same account that the session may use instead of one of its own: the
+    // lender answers its idle connection for that server, user and password, or nullptr.
+    std::function<FtpConnection *(const FtpAddress &address, const QString &user,
+                                  const QString &password)>
+        lender;
+    // Forgets a borrowed connection; its owner calls it before the connection goes.
+    void Return() { m_lent = nullptr; }
 
     // Told of waits that the user should hear of (see FtpConnection::onWaitStarted).
     std::function<void(const QString &text)> onWaitStarted;
     std::function<void()> onWaitEnded;
 
 private:
+    FtpConnection *current() const { return m_lent ? m_lent : m_connection.get(); }
+
     std::unique_ptr<FtpConnection> m_connection;
+    FtpConnection *m_lent = nullptr;
     QString m_server;
     int m_port = 0;
     QString m_user;

@@ -78,6 +78,15 @@ cFTP::cFTP(JobState &state, QObject *parent) : QObject(parent), m_state(&state)
 {
     m_transfers.onWaitStarted = [this](const QString &text) { emit WaitStarted(text); };
     m_transfers.onWaitEnded = [this] { emit WaitEnded(); };
+    // The job's files go over this session's connection when it is for the same account, so a
+    // job logs in once for its directory work and its files.
+    m_transfers.lender = [this](const FtpAddress &address, const QString &user,
+                                const QString &password) -> FtpConnection * {
+        if (!m_connection || m_connection->busy() || user != m_user || password != m_password ||
+            m_connection->address().baseUrl() != address.baseUrl())
+            return nullptr;
+        return m_connection.get();
+    };
 }
 
 cFTP::~cFTP() = default;
@@ -105,6 +114,7 @@ void cFTP::CloseConnection()
         m_connection->close();
         m_earlierLogins += m_connection->logins();
     }
+    m_transfers.Return();
     m_connection.reset();
     m_currentDirectory.clear();
 }
@@ -137,12 +147,14 @@ bool cFTP::OpenConnection(const QString &server, const QString &user, const QStr
         else
             fail(result, operation);
         m_earlierLogins += m_connection->logins();
+        m_transfers.Return();
         m_connection.reset();
         return false;
     }
     m_connection->setServerDirectory(entry);
     m_server = server;
     m_user = user;
+    m_password = password;
     m_currentDirectory = entry;
     return true;
 }
@@ -281,11 +293,15 @@ QString cFTP::GetFTPDirectory()
         return m_currentDirectory;
     // The directory the session stands in may have gone from the server since (a kept
     // connection's server may still name it): entering it again is what shows it is there.
-    QStringList commands;
-    if (!m_currentDirectory.isEmpty())
-        commands << QStringLiteral("CWD ") + m_currentDirectory;
-    commands << QStringLiteral("PWD");
-    if (!runCommands(commands, operation))
+    // Its name is the one the server gave when the session went there, so once entered it
+    // needs no PWD: a job asks this before every file, and each question is a round trip.
+    if (!m_currentDirectory.isEmpty()) {
+        if (!runCommands({QStringLiteral("CWD ") + m_currentDirectory}, operation))
+            return QString();
+        m_connection->setServerDirectory(m_currentDirectory);
+        return m_currentDirectory;
+    }
+    if (!runCommands({QStringLiteral("PWD")}, operation))
         return QString();
     const QString path = PathFrom257(m_connection->lastReply().text());
     if (path.isEmpty()) {

@@ -149,6 +149,7 @@ private:
     bool m_cancelStands = false;
     QString m_server;
     QString m_user;
+    QString m_password;
     QString m_currentDirectory;
     QString m_lastErrorMessage;
     cDirList m_directoryList;

@@ -4,6 +4,8 @@
 // tests/fuzz/corpus/<target>/.
 //
 //     tarnwick_fuzz_seeds <source folder> <corpus folder>
+#include "BackupRecord.h"
+#include "BlogRecords.h"
 #include "GifFile.h"
 #include "History.h"
 #include "PhotoPage.h"
@@ -250,6 +252,91 @@ void directoryNameSeeds()
 
 } // namespace
 
+// A backup list as the program appends to it: a plain file, a compressed one with blanks and
+// letters beyond ASCII in its name, a compressed directory, and the same name twice (an older
+// copy a crash left behind).
+void backupListSeeds()
+{
+    BackupRecord plain;
+    plain.Filename = QStringLiteral("report.doc");
+    plain.LocationPath = QStringLiteral("/home/ann/Documents");
+    plain.DateModified = QStringLiteral("5/14/2026 9:03:12 AM");
+    plain.DateBackup = QStringLiteral("5/14/2026 9:10:40 AM");
+    plain.NumberOfBackupTimes = 3;
+    plain.UploadPath = QStringLiteral("http://www.example.com/Backup/report.doc");
+    plain.LengthOfTheFile = 48128;
+    BackupRecord packed = plain;
+    packed.Filename = QStringLiteral("Caf\u00e9 menu 2026.txt");
+    packed.CompressFile = true;
+    packed.UploadPath = QStringLiteral("http://www.example.com/Backup/Caf_menu_2026.cab");
+    packed.LengthOfTheFile = 1.5e9;
+    BackupRecord folder = plain;
+    folder.Filename = QStringLiteral("DirFile_Photos");
+    folder.LocationPath = QStringLiteral("/home/ann/Pictures/Photos");
+    folder.CompressFile = true;
+    folder.DateModified = QStringLiteral("1/1/2001 12:00:01 AM");
+    folder.UploadPath = QStringLiteral("http://www.example.com/Backup/DirFile_Photos.cab");
+    const QString blank = QStringLiteral("\r\n");
+    const QString list = blank + BackupRecordText(plain) + blank + BackupRecordText(packed) +
+                         blank + BackupRecordText(folder) + blank;
+    seed(QStringLiteral("fuzz_backup_list"), QStringLiteral("three-records.lst"), list.toUtf8());
+    BackupRecord older = plain;
+    older.NumberOfBackupTimes = 2;
+    seed(QStringLiteral("fuzz_backup_list"), QStringLiteral("twice-one-name.lst"),
+         (BackupRecordText(older) + blank + BackupRecordText(plain) + blank).toUtf8());
+    // Cut in the middle of the second record.
+    seed(QStringLiteral("fuzz_backup_list"), QStringLiteral("cut-short.lst"),
+         list.toUtf8().left(list.toUtf8().size() / 2));
+}
+
+// A Web Log's records as the editor saves them: main record, a section with two lines of text
+// and a picture, a pointer and a comment, each a part of the input (parted by NUL bytes).
+void webLogSeeds()
+{
+    BlogRecords r;
+    r.main.FileName = QStringLiteral("Garden Diary");
+    r.main.MainTitle = QStringLiteral("Our \"Garden\", 2026");
+    r.main.TitleColor = QStringLiteral("#336600");
+    r.main.BackgroundColor = QStringLiteral("#FFFFEE");
+    r.main.SubTextColor = QStringLiteral("#000000");
+    r.main.FontType = QStringLiteral("Arial");
+    r.main.MainDate = QStringLiteral("May 2026");
+    r.main.ShowPointers = QStringLiteral("Yes");
+    r.main.ShowCommentPage = QStringLiteral("No");
+    r.main.DirectorySavedTo = QStringLiteral("Web_Log");
+    r.section.FileName = r.main.FileName;
+    r.section.SubTitle = QStringLiteral("First Article");
+    r.section.DisplayedSubTitle = QStringLiteral("First article: tomatoes & beans");
+    r.section.BlogText = QStringLiteral("Planted <b>six</b> rows.\r\nWatered, 50% shade | trellis.");
+    r.section.Author = QStringLiteral("Ann");
+    r.section.BlogDate = QStringLiteral("2026-05-14");
+    r.section.PhotoPath = QStringLiteral("/home/ann/Pictures/beans.jpg");
+    r.section.PhotoTitle = QStringLiteral("Beans, day 1");
+    r.section.Position = QStringLiteral("Left");
+    r.section.SubTitleColor = QStringLiteral("#660000");
+    r.section.SubTileFont = QStringLiteral("Arial");
+    r.section.ShowAuthor = QStringLiteral("True");
+    r.section.ShowDate = QStringLiteral("False");
+    r.section.ShowComment = QStringLiteral("True");
+    r.section.ShowLine = QStringLiteral("True");
+    r.section.Order = QStringLiteral("2");
+    r.pointer.FileName = QStringLiteral("Links - Seeds.ptr");
+    r.pointer.Category = QStringLiteral("Links");
+    r.pointer.DisplayName = QStringLiteral("Seeds");
+    r.pointer.URL = QStringLiteral("https://example.com/seeds?kind=b\u00f6hne&x=1");
+    r.comment.FileName = QStringLiteral("Visitor.cmt");
+    r.comment.Comment = QStringLiteral("Lovely!\r\nMore photos, please.");
+    using namespace BuildBlog;
+    seed(QStringLiteral("fuzz_weblog_records"), QStringLiteral("garden-diary.txt"),
+         joined({MainRecordText(r.main).toUtf8(), SectionRecordText(r.section).toUtf8(),
+                 PointerRecordText(r.pointer).toUtf8(), CommentRecordText(r.comment).toUtf8()}));
+    // A section cut short and a main record without its colours.
+    const QByteArray section = SectionRecordText(r.section).toUtf8();
+    seed(QStringLiteral("fuzz_weblog_records"), QStringLiteral("cut-short.txt"),
+         joined({"FileName = Garden Diary\r\nMainTitle = Ours\r\n", section.left(section.size() / 2),
+                 QByteArray(), QByteArray()}));
+}
+
 int main(int argc, char *argv[])
 {
     QTemporaryDir home;
@@ -268,5 +355,7 @@ int main(int argc, char *argv[])
     pictureSeeds(home.path());
     settingsSeeds();
     directoryNameSeeds();
+    backupListSeeds();
+    webLogSeeds();
     return 0;
 }

@@ -118,8 +118,15 @@ PortalFrame::PortalFrame(PageLink &current, PortalServices services, QWidget *pa
     m_preview->setObjectName(QStringLiteral("PreviewStartupButton"));
     m_build = new QPushButton(QStringLiteral("Build Home Portal Page"), this);
     m_build->setObjectName(QStringLiteral("BuildStartupButton"));
-    // The link check is not offered yet.
-    m_checkLinks->hide();
+    m_checkLinks->setToolTip(
+        QStringLiteral("Ask for the address of every Page Link and mark those that are dead or "
+                       "have moved"));
+    m_importBookmarks = new QPushButton(QStringLiteral("Import Bookmarks..."), this);
+    m_importBookmarks->setObjectName(QStringLiteral("ImportBookmarksButton"));
+    m_importBookmarks->setToolTip(
+        QStringLiteral("Add the bookmarks that your browser exported (as an HTML file) as "
+                       "Categories and Page Links"));
+    jobRow->addWidget(m_importBookmarks);
     jobRow->addWidget(m_checkLinks);
     jobRow->addStretch(1);
     jobRow->addWidget(m_preview);
@@ -147,6 +154,8 @@ PortalFrame::PortalFrame(PageLink &current, PortalServices services, QWidget *pa
         connect(m_colours[static_cast<size_t>(i)], &QPushButton::clicked, this,
                 [this, i] { pageColour_Click(i); });
     connect(m_font, &QPushButton::clicked, this, &PortalFrame::SUPageFont_Click);
+    connect(m_checkLinks, &QPushButton::clicked, this, &PortalFrame::CheckLinksButton_Click);
+    connect(m_importBookmarks, &QPushButton::clicked, this, &PortalFrame::ImportBookmarks_Click);
     setLinkFieldsEnabled(false);
 }
 
@@ -303,6 +312,7 @@ void PortalFrame::refreshLinks()
     const auto found = m_file21->findItems(selected, Qt::MatchExactly);
     if (!selected.isEmpty() && !found.isEmpty())
         m_file21->setCurrentItem(found.first());
+    showMarks();
 }
 
 void PortalFrame::followCategory(int row)

@@ -1,7 +1,10 @@
 #pragma once
 
 #include "BuildStartup.h"
+#include "LinkCheck.h"
 
+#include <QHash>
+#include <QPointer>
 #include <QString>
 #include <QWidget>
 
@@ -9,12 +12,16 @@
 #include <functional>
 #include <optional>
 
+class BookmarkImportDialog;
 class JobUi;
+class LinkCheckDialog;
 class QLabel;
 class QLineEdit;
 class QListWidget;
 class QPushButton;
 class QToolButton;
+struct BookmarkFileResult;
+struct ImportPlan;
 struct JobState;
 
 // What the Build a Portal tab asks of the rest of the program. Every call may run the event loop.
@@ -28,6 +35,10 @@ struct PortalServices
     std::function<std::optional<QString>(const QString &start, QWidget *parent)> chooseFont;
     // "Find Logo": a picture file, "" when cancelled.
     std::function<QString(const QString &start)> chooseLogo;
+    // "Import Bookmarks": the browser's exported bookmarks file, "" when cancelled.
+    std::function<QString()> chooseBookmarks;
+    // How the link check asks: several at once, a time limit for each address.
+    LinkCheckOptions linkCheck;
     // The guide rings: a step was reached.
     std::function<void(int step)> shapeEvent;
 };
@@ -53,6 +64,10 @@ public:
     QPushButton *BuildStartupButton() const { return m_build; }
     QPushButton *PreviewStartupButton() const { return m_preview; }
     QPushButton *CheckLinksButton() const { return m_checkLinks; }
+    QPushButton *ImportBookmarksButton() const { return m_importBookmarks; }
+    // The dialogs of the two jobs while they are open (null otherwise).
+    BookmarkImportDialog *importDialog() const;
+    LinkCheckDialog *checkDialog() const;
     QLineEdit *DisplayLinkTxt() const { return m_displayLink; }
     QLineEdit *URLTxt() const { return m_url; }
     QToolButton *Image111(int index) const { return m_bullets[static_cast<size_t>(index)]; }
@@ -86,6 +101,24 @@ public:
     void pageColour_Click(int index); // 0 SUTextColor, 1 SUTitleColor, 2 SUBackgroundColor
     void SUPageFont_Click();
 
+    // Reads a browser's bookmarks file (off the window's thread) and shows what it would add
+    // in frmImportBookmarks; Import there writes it. Returns at once: the dialog or a message
+    // follows from the event loop.
+    void ImportBookmarks_Click();
+    // Checks the address of every Page Link of every Category in frmCheckLinks, marking the
+    // results in File21 as they come. Returns at once.
+    void CheckLinksButton_Click();
+    // The mark of a checked Page Link (its .ptr path): the list shows it until the next check.
+    struct LinkMark
+    {
+        LinkVerdict verdict = LinkVerdict::Unchecked;
+        QString text;
+    };
+    LinkMark linkMark(const QString &ptrPath) const { return m_marks.value(ptrPath); }
+    void setLinkMark(const QString &ptrPath, const LinkMark &mark);
+    // The bookmarks were written: the lists read anew.
+    void bookmarksImported();
+
     // The lists read anew from the disk, keeping the selection where the names still stand.
     void refreshCategories();
     void refreshLinks();
@@ -103,6 +136,9 @@ private:
     void message(const QString &text);
     void step(int number);
     void setLinkFieldsEnabled(bool enabled);
+    void showMarks();
+    void showImportPreview(const QString &path, const BookmarkFileResult &file,
+                           const ImportPlan &plan);
 
     PageLink &m_current;
     PortalServices m_services;
@@ -128,4 +164,9 @@ private:
     QPushButton *m_build = nullptr;
     QPushButton *m_preview = nullptr;
     QPushButton *m_checkLinks = nullptr;
+    QPushButton *m_importBookmarks = nullptr;
+    QHash<QString, LinkMark> m_marks;
+    bool m_readingBookmarks = false;
+    QPointer<BookmarkImportDialog> m_importDialog;
+    QPointer<LinkCheckDialog> m_checkDialog;
 };

@@ -7,6 +7,7 @@
 #include "frmMain.h"
 
 #include <QAction>
+#include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QPushButton>
@@ -153,6 +154,11 @@ PortalParts InstallPortalParts(frmMain &window, WebSpace &webSpace)
             &window, QStringLiteral("Find Logo"), start,
             QStringLiteral("Pictures (*.pic *.bmp *.gif *.jpg *.jpeg *.png)"));
     };
+    services.chooseBookmarks = [&window] {
+        return QFileDialog::getOpenFileName(
+            &window, QStringLiteral("Import Bookmarks"), QDir::homePath(),
+            QStringLiteral("Bookmarks exported by a browser (*.html *.htm);;All files (*)"));
+    };
     services.shapeEvent = [&window](int step) { window.shapeEvent(step); };
 
     PortalParts parts;
@@ -169,6 +175,13 @@ PortalParts InstallPortalParts(frmMain &window, WebSpace &webSpace)
     function.defaultHelpContext = 16;
     function.opened = [frame](bool byTab) { frame->opened(byTab); };
     function.loaded = [frame] { frame->loadSettings(); };
+    auto *importMenu = new QAction(QStringLiteral("Import Bookmarks..."));
+    importMenu->setObjectName(QStringLiteral("ImportBookmarksMenu"));
+    QObject::connect(importMenu, &QAction::triggered, frame, [&window, frame] {
+        window.FunctionSelectButton_Click(4);
+        frame->ImportBookmarks_Click();
+    });
+    function.menuEntries.push_back({QStringLiteral("Tools"), importMenu});
     window.addFunction(std::move(function));
 
     const auto place = [&window, frame](int ring, const char *name) {
