@@ -3,8 +3,8 @@
 # photographs of Debian's mate-backgrounds with vips and heif-enc, x265's fastest preset), each
 # taken to its "Sml_" and "Lrg_" copies at 15% and 30%, JPEG quality 100, 4:2:0, in one run by:
 #   1. Tarnwick as the program does it: each HEIC put onto the Ready to Send list as a JPEG
-#      (the copy button: one picture after the other), then the sizing of the list (THREADS
-#      pictures at once);
+#      (the copy button: THREADS at most at once, within the sizing budget), then the sizing of
+#      the list (THREADS pictures at once);
 #   2. heif-convert to a JPEG of quality 100, then the JPEG path of photo-sizing.sh's anchor
 #      (vipsthumbnail for Lrg_, a second vipsthumbnail from it for Sml_), THREADS at once;
 #   3. vipsthumbnail reading the HEIC itself (libvips with libheif) for Lrg_, and Sml_ from it,
@@ -15,6 +15,7 @@
 #
 #   bench/photo-heic.sh [BUILD_DIR] [RUNS]
 #
+# BENCH=path/to/tarnwick_photo_bench uses that program instead of building one in BUILD_DIR.
 # COUNT=n makes n photos instead of 20 (a quicker look on a busy machine).
 #
 # Needs (bench only): apt-get install -y mate-backgrounds libvips-tools libheif-examples time bc
@@ -31,9 +32,13 @@ photos=/usr/share/backgrounds/mate
 for tool in vipsthumbnail vips heif-enc heif-convert bc /usr/bin/time; do
     command -v "$tool" >/dev/null || { echo "missing $tool (see the head of this script)"; exit 2; }
 done
-cmake -S "$source_dir" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTARNWICK_BUILD_TESTS=OFF >/dev/null
-cmake --build "$build" --target tarnwick_photo_bench >/dev/null
-bench="$build/bin/tarnwick_photo_bench"
+# BENCH=path runs a tarnwick_photo_bench built elsewhere (say, in the tests' build) instead.
+bench=${BENCH:-}
+if [ -z "$bench" ]; then
+    cmake -S "$source_dir" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTARNWICK_BUILD_TESTS=OFF >/dev/null
+    cmake --build "$build" --target tarnwick_photo_bench >/dev/null
+    bench="$build/bin/tarnwick_photo_bench"
+fi
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT

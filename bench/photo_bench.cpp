@@ -1,7 +1,8 @@
 // Sizes every picture of a working folder as the photo page build does (CopyPhotos: an "Lrg_"
 // and an "Sml_" copy of each) and reports the wall time and the peak memory of the process.
 // With --from SOURCE, every picture of SOURCE is first put onto the working folder as the copy
-// button does (a HEIC, WebP, PNG or TIFF converted to a JPEG, one picture after the other).
+// button does (a HEIC, WebP, PNG or TIFF converted to a JPEG, THREADS at most at once within the
+// sizing budget).
 //
 //   tarnwick_photo_bench [--from SOURCE] WORK TARGET [SMALL% LARGE% [THREADS [QUALITY]]]
 
@@ -9,6 +10,7 @@
 #include "JobState.h"
 #include "JobUi.h"
 #include "PhotoPage.h"
+#include "ReadyListConversions.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -72,16 +74,31 @@ int main(int argc, char *argv[])
     QElapsedTimer timer;
     timer.start();
     int failed = 0;
+    int mostAtOnce = 0;
     if (!from.isEmpty()) {
-        for (const QString &name : ListSourcePictureFiles(from)) {
-            const QString message = CopyToReadyListLive(
-                from + QLatin1Char('/') + name,
-                input.ChoosenUploadPath + QStringLiteral("/00050_") + ReadyListName(name));
+        // As the copy button does: the conversions run on worker threads within the sizing
+        // budget, taken back in the list's order.
+        ReadyListConversions conversions(input.threads);
+        const auto finishOldest = [&] {
+            const QString message = conversions.takeOldest().message;
             if (!message.isEmpty()) {
                 QTextStream(stderr) << message << '\n';
                 ++failed;
             }
+        };
+        for (const QString &name : ListSourcePictureFiles(from)) {
+            const QString source = from + QLatin1Char('/') + name;
+            const qint64 bytes = ReadyListConversions::ConversionBytes(source);
+            while (!conversions.hasRoom(bytes))
+                finishOldest();
+            conversions.start(source,
+                              input.ChoosenUploadPath + QStringLiteral("/00050_") +
+                                  ReadyListName(name),
+                              bytes);
         }
+        while (conversions.pending() > 0)
+            finishOldest();
+        mostAtOnce = conversions.mostAtOnce();
     }
     const qint64 converted = timer.elapsed();
     const bool ok = CopyPhotos(args.at(2), false, input, page, ui, state) && failed == 0;
@@ -92,6 +109,7 @@ int main(int argc, char *argv[])
     QTextStream(stdout) << "pictures " << ListPictureFiles(input.ChoosenUploadPath).size()
                         << " seconds " << QString::number(elapsed / 1000.0, 'f', 2)
                         << " converting " << QString::number(converted / 1000.0, 'f', 2)
+                        << " converted_at_once " << mostAtOnce
                         << " peak_mb "
                         << QString::number(usage.ru_maxrss / 1024.0, 'f', 0) << " messages "
                         << ui.messages << '\n';

@@ -1,12 +1,13 @@
 #include "cDIBSection.h"
 
+#include "PictureDecoder.h"
 #include "RasterOps.h"
 
 #include <QClipboard>
 #include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
-#include <QImageReader>
+#include <QPainter>
 #include <QtEndian>
 
 #include <cmath>
@@ -166,10 +167,15 @@ bool cDIBSection::CreateFromFile(const QString &fileName)
         m_lastError = QStringLiteral("The file %1 is not there.").arg(fileName);
         return false;
     }
-    QImageReader reader(fileName);
-    reader.setAutoTransform(true);
-    const QSize size = reader.size();
-    if (size.isValid() && !SizeAllowed(size.width(), size.height())) {
+    // The photo decoder: bitmaps, JPEG, GIF, PNG, WebP, TIFF (16-bit too) and HEIC, turned
+    // upright as the file says and in sRGB.
+    const PictureHeader header = ReadPictureHeader(fileName);
+    if (!header.ok()) {
+        m_lastError = QStringLiteral("The file is corrupt or not a picture (%1).").arg(header.error);
+        return false;
+    }
+    const QSize size = header.upright();
+    if (!SizeAllowed(size.width(), size.height())) {
         m_lastError = QStringLiteral("The picture is %1 x %2 pixels, too large to open; the "
                                      "largest is %3 megapixels, %4 pixels a side.")
                           .arg(size.width())
@@ -178,23 +184,33 @@ bool cDIBSection::CreateFromFile(const QString &fileName)
                           .arg(MaxSide);
         return false;
     }
-    if (reader.format() == "jpeg" && !hasJpegEnd(fileName)) {
+    if (header.reducesWhileDecoding && !hasJpegEnd(fileName)) {
         m_lastError = QStringLiteral("The picture file is cut short.");
         return false;
     }
-    // Our own limit has been checked above; the reader's default would refuse a large photo.
-    QImageReader::setAllocationLimit(int(MaxPixels * 4 / (1024 * 1024)) + 64);
-    QImage image = reader.read();
-    if (image.isNull()) {
-        m_lastError =
-            QStringLiteral("The file is corrupt or not a picture (%1).").arg(reader.errorString());
+    const DecodedPicture decoded = DecodePicture(fileName, QSize(), MaxPixels * 4);
+    if (!decoded.ok()) {
+        m_lastError = QStringLiteral("The file is corrupt or not a picture (%1).").arg(decoded.error);
         return false;
     }
-    if (!SizeAllowed(image.width(), image.height())) {
+    if (!SizeAllowed(decoded.image.width(), decoded.image.height())) {
         m_lastError = QStringLiteral("The picture is too large to open.");
         return false;
     }
-    return adopt(image, 0, 0, -1, -1);
+    // A transparent picture is laid on white, as the photo copies are.
+    if (decoded.image.hasAlphaChannel()) {
+        QImage flat(decoded.image.size(), QImage::Format_RGB32);
+        if (flat.isNull()) {
+            m_lastError = QStringLiteral("There is not enough memory to convert the picture.");
+            return false;
+        }
+        flat.fill(Qt::white);
+        QPainter painter(&flat);
+        painter.drawImage(0, 0, decoded.image);
+        painter.end();
+        return adopt(flat, 0, 0, -1, -1);
+    }
+    return adopt(decoded.image, 0, 0, -1, -1);
 }
 
 bool cDIBSection::CreateFromPackedDIBPointer(const uchar *packed, qsizetype size)

@@ -52,9 +52,10 @@ public:
     bool Create(int width, int height);
     // Fills the header for width x height and makes the pixels into out.
     bool CreateDIB(int width, int height, QImage &out);
-    // Reads a picture file (any format the image loader knows, its EXIF orientation applied).
-    // False, with the old surface untouched, for a missing or unreadable file or one whose size
-    // SizeAllowed refuses (told before any pixel is decoded).
+    // Reads a picture file through the photo decoder (PictureDecoder.h): bitmaps, JPEG, GIF, PNG,
+    // WebP, TIFF and HEIC, upright as the file's orientation says, in sRGB, a transparent
+    // picture laid on white. False, with the old surface untouched, for a missing or unreadable
+    // file or one whose size SizeAllowed refuses (told before any pixel is decoded).
     bool CreateFromFile(const QString &fileName);
     // Copies a part of bitmap (source X, Y, width, height; a size below 0 takes the bitmap's).
     bool CreateFromHandle(const QImage &bitmap, int srcX, int srcY, int width, int height);

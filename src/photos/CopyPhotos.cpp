@@ -20,10 +20,6 @@
 
 namespace {
 
-// Pictures sized at once hold no more than this much between them (one picture is always let
-// through): a machine of many cores sizing large photos at large boxes stays within it.
-constexpr qint64 SizingMemoryBudget = 320LL * 1024 * 1024;
-
 // What sizing one picture may hold at its peak, at four bytes a pixel: the decoded picture
 // (a JPEG decoder reduces while it decodes, other formats are decoded whole), the filter's
 // half-way picture (no larger than the decoded one), the enlarged copy and the thumbnail.

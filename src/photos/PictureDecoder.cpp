@@ -389,6 +389,10 @@ struct HeifFile
 
     explicit HeifFile(const QString &path)
     {
+        // libheif registers its decoders on first use; several pictures are decoded at once on
+        // worker threads, so that is done once, before any of them.
+        static const bool initialised = heif_init(nullptr).code == heif_error_Ok;
+        Q_UNUSED(initialised);
         context = heif_context_alloc();
         heif_error result = heif_context_read_from_file(context, QFile::encodeName(path).constData(),
                                                         nullptr);

@@ -302,7 +302,23 @@ QString CopyToReadyList(const QString &source, const QString &target)
     const PictureResult picture = LoadPicture(source);
     if (!picture.ok())
         return picture.error;
-    return savepic(picture.image, target).message;
+    // Written under a hidden name beside the target and put in place once whole: the list, read
+    // while other pictures are still being converted, never shows a copy half made.
+    const QFileInfo info(target);
+    const QString staging = info.path() + QStringLiteral("/.") + info.fileName();
+    const SaveResult saved = savepic(picture.image, staging);
+    if (!saved.ok) {
+        DoKill(staging);
+        return saved.message.isEmpty() ? QStringLiteral("The copy could not be written: ") +
+                                             QDir::toNativeSeparators(target)
+                                       : saved.message;
+    }
+    if (!replaceWith(staging, target)) {
+        DoKill(staging);
+        return QStringLiteral("The copy could not be put in place: ") +
+               QDir::toNativeSeparators(target);
+    }
+    return QString();
 }
 
 QString LimitResizeText(const QString &text)

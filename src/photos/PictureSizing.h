@@ -14,6 +14,10 @@
 // A decoded picture may take at most this many bytes; a larger one is read at a reduced scale or
 // refused.
 inline constexpr qint64 PictureMemoryBudget = 256LL * 1024 * 1024;
+// The pictures sized or converted at once on worker threads hold no more than this much between
+// them at their peak (one picture is always let through): a machine of many cores working on
+// large photos stays within it.
+inline constexpr qint64 SizingMemoryBudget = 320LL * 1024 * 1024;
 
 // The size of a copy at percent of size, sides scaled alike, at least one pixel each.
 QSize ScaledSize(QSize size, double percent);
@@ -95,8 +99,11 @@ QString ReadyListName(const QString &sourceName);
 // converted source of the same base name (case ignored); empty when there is none.
 QString FindSourceOf(const QString &folder, const QString &name);
 // Puts source onto the list as target: a plain copy, or for a converted source a JPEG of
-// quality 100 written through savepic, upright, in sRGB and on white. Returns the message to
-// show; empty on success. May take seconds for a large picture: call it off the event loop.
+// quality 100 written through savepic, upright, in sRGB and on white. The JPEG is written under
+// a hidden name in target's folder ("." and target's name) and renamed to target once whole, so
+// that target is either the whole copy or untouched. Returns the message to show; empty on
+// success. May take seconds for a large picture: call it off the event loop (several may run at
+// once for different targets).
 QString CopyToReadyList(const QString &source, const QString &target);
 
 // The percentage boxes: a value below 2 becomes "2", one above 120 "120"; others stay as typed.

@@ -1,3 +1,4 @@
+#include "../photos/TodaysPictures.h"
 #include "PictureFiles.h"
 #include "TestMain.h"
 #include "frmPaint.h"
@@ -223,6 +224,62 @@ private slots:
         QCOMPARE(paint->document().picture().pixel(1, 1), qRgb(0, 0, 0));
         action(paint, "mnuUndo")->trigger();
         QCOMPARE(paint->document().picture().pixel(1, 1), qRgb(255, 255, 255));
+        delete paint;
+    }
+
+    // File > Open reads the pictures of today's phones and cameras through the photo decoder:
+    // a HEIC stored on its side (EXIF orientation 6) in Display P3 opens upright in sRGB; a
+    // WebP, a 16-bit TIFF and a transparent PNG (laid on white) open too.
+    void fileOpenReadsTodaysPhotosUpright_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("HEIC") << "IMG_0042.HEIC";
+        QTest::newRow("WebP") << "Lake.webp";
+        QTest::newRow("16-bit TIFF") << "Scan.tif";
+        QTest::newRow("PNG with transparency") << "Logo.png";
+    }
+    void fileOpenReadsTodaysPhotosUpright()
+    {
+        QFETCH(QString, name);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(name);
+        QImage expected;
+        if (name.endsWith(QLatin1String(".HEIC"))) {
+            QVERIFY2(!TodaysPictures::heifEncoder().isEmpty(),
+                     "heif-enc (libheif-examples) is needed");
+            QString why;
+            QVERIFY2(TodaysPictures::writeHeic(path, 400, 300, &why), qPrintable(why));
+            expected = TodaysPictures::referenceToSRgb(TodaysPictures::displayP3Scene(400, 300));
+        } else if (name.endsWith(QLatin1String(".webp"))) {
+            QVERIFY(TodaysPictures::scene(320, 240).save(path, "WEBP", 95));
+            expected = TodaysPictures::scene(320, 240);
+        } else if (name.endsWith(QLatin1String(".tif"))) {
+            QVERIFY(TodaysPictures::deepScene(320, 240).save(path, "TIFF"));
+            expected = TodaysPictures::scene(320, 240);
+        } else {
+            QVERIFY(TodaysPictures::transparentPicture(200, 100).save(path, "PNG"));
+            expected = QImage(200, 100, QImage::Format_RGB32);
+            expected.fill(Qt::white);
+            for (int y = 0; y < 100; ++y)
+                for (int x = 0; x < 100; ++x)
+                    expected.setPixel(x, y, qRgb(0, 0, 255));
+        }
+
+        QPointer<frmPaint> paint = frmPaint::OpenPaint(QString());
+        paint->chooseOpenFileHook = [path] { return path; };
+        action(paint, "mnuOpen")->trigger();
+        QCOMPARE(paint->document().PictureFile(), path);
+        const QImage &opened = paint->document().picture();
+        QCOMPARE(opened.size(), expected.size());
+        // Colour-managed reference (LittleCMS) for the HEIC; the scene itself for the others.
+        const double difference = TodaysPictures::meanDeltaE(opened, expected);
+        QVERIFY2(difference < 2.5, qPrintable(QString::number(difference)));
+        // Upright: the white square of the scene stands in the top left corner.
+        if (!name.endsWith(QLatin1String(".png"))) {
+            QVERIFY(qRed(opened.pixel(5, 5)) > 235 && qBlue(opened.pixel(5, 5)) > 235);
+            QVERIFY(qBlue(opened.pixel(5, opened.height() - 5)) > 150);
+        }
+        QVERIFY(paint->windowTitle().contains(name));
         delete paint;
     }
 

@@ -34,8 +34,9 @@
 namespace {
 
 const QString pictureFilter = QStringLiteral(
-    "Pictures (*.bmp *.dib *.jpg *.jpeg *.gif *.png);;Bitmap (*.bmp *.dib);;JPEG (*.jpg);;"
-    "GIF (*.gif);;All files (*)");
+    "Pictures (*.bmp *.dib *.jpg *.jpeg *.gif *.png *.heic *.heif *.webp *.tif *.tiff);;"
+    "Bitmap (*.bmp *.dib);;JPEG (*.jpg *.jpeg);;GIF (*.gif);;"
+    "Photos of phones and cameras (*.heic *.heif *.webp *.png *.tif *.tiff);;All files (*)");
 
 QColor toQColor(int colour)
 {

@@ -7,9 +7,12 @@
 #include "JobUi.h"
 #include "PhotoBuild.h"
 #include "PhotoPage.h"
+#include "ReadyListConversions.h"
 
 #include <QFile>
 #include <QFileInfo>
+
+#include <deque>
 
 namespace {
 
@@ -53,7 +56,29 @@ int TransferFiles(PhotoPage &page, const QString &workingFolder, JobUi &ui, JobS
     ui.SetStepOf(QString());
     ui.ProcessEvents();
 
+    // The pictures are copied on worker threads, several at once (ReadyListConversions), and
+    // told about in the record's order.
     int copied = 0;
+    ReadyListConversions conversions;
+    struct Entry
+    {
+        int row = 0;
+        bool started = false; // false: its picture was not found
+    };
+    std::deque<Entry> entries;
+    const auto finishOldest = [&] {
+        const Entry entry = entries.front();
+        entries.pop_front();
+        if (entry.started && conversions.takeOldest().message.isEmpty()) {
+            ++copied;
+            return;
+        }
+        ui.Message(QStringLiteral("Image not found. The file ") + page.PhotoName[entry.row] +
+                       QStringLiteral(" may have been moved, renamed, or deleted. It was "
+                                      "located at: ") +
+                       page.PhotoPath[entry.row],
+                   Tarnwick, JobUi::Buttons::Ok, JobUi::Icon::Warning);
+    };
     const int count = page.PhotoNumber;
     for (int i = 0; i < count && PhotoPage::isRow(i); ++i) {
         ui.SetStepOf(QString::number(i + 1) + QStringLiteral(" of ") + QString::number(count));
@@ -68,19 +93,25 @@ int TransferFiles(PhotoPage &page, const QString &workingFolder, JobUi &ui, JobS
         const QString source = FindSourceOf(page.PhotoPath[i], page.PhotoName[i]);
         const QString target =
             workingFolder + QLatin1Char('/') + order + QLatin1Char('_') + page.PhotoName[i];
-        const bool ok = !source.isEmpty() && CopyToReadyListLive(source, target).isEmpty();
-        if (ok) {
-            ++copied;
+        if (source.isEmpty()) {
+            entries.push_back(Entry{i, false});
         } else {
-            ui.Message(QStringLiteral("Image not found. The file ") + page.PhotoName[i] +
-                           QStringLiteral(" may have been moved, renamed, or deleted. It was "
-                                          "located at: ") +
-                           page.PhotoPath[i],
-                       Tarnwick, JobUi::Buttons::Ok, JobUi::Icon::Warning);
+            const qint64 bytes = ReadyListConversions::ConversionBytes(source);
+            while (conversions.pending() > 0 &&
+                   (!conversions.hasRoom(bytes) || conversions.writes(target)))
+                finishOldest();
+            conversions.start(source, target, bytes);
+            entries.push_back(Entry{i, true});
+        }
+        if (conversions.pending() == 0) {
+            while (!entries.empty())
+                finishOldest();
         }
         if (state.UploadCancelled)
             break;
     }
+    while (!entries.empty())
+        finishOldest();
     window.showProgressFrame(false);
     window.refreshReadyList();
     window.refreshSourceList();

@@ -20,7 +20,10 @@ bool LoadHst2(PhotoPage &page, const QString &historyName, const QString &workin
 
 // TransferFiles: copies each row's picture from its folder to the working folder as
 // "<group>_<name>", a group shorter than five digits padded with zeros in front ("" becomes
-// "00000"). A picture that is gone costs one message and the row stays in the record without a
-// file. A cancel (UploadCancelled) stops between pictures. Returns the number copied.
+// "00000"). The pictures are copied (and converted, for today's formats) several at once on
+// worker threads while the event loop runs; messages come in the record's order. A picture that
+// is gone costs one message and the row stays in the record without a file. A cancel
+// (UploadCancelled) starts no further picture; those under way are finished. Returns the number
+// copied.
 int TransferFiles(PhotoPage &page, const QString &workingFolder, JobUi &ui, JobState &state,
                   PhotoBuildWindow &window);

@@ -1,3 +1,4 @@
+#include "../TodaysPictures.h"
 #include "../ui/PickerFixtures.h"
 #include "FrameFixture.h"
 
@@ -10,6 +11,7 @@
 #include "TestMain.h"
 
 #include <QCheckBox>
+#include <QAbstractItemModel>
 #include <QDir>
 #include <QFile>
 #include <QGroupBox>
@@ -42,6 +44,22 @@ bool isRed(const QString &path, QPoint at)
 }
 
 const QString MaxMessage = QStringLiteral("Maximum number of photos have been reached");
+
+// The files of a folder, hidden ones too: a copy half made would show here.
+QStringList allFiles(const QString &folder)
+{
+    return QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
+}
+
+QStringList selectedNames(const QListWidget *list)
+{
+    QStringList names;
+    for (int i = 0; i < list->count(); ++i) {
+        if (list->item(i)->isSelected())
+            names.append(list->item(i)->text());
+    }
+    return names;
+}
 
 } // namespace
 
@@ -218,6 +236,136 @@ private slots:
         // Half-clear blue laid on white.
         const QImage copy = reader.read();
         QVERIFY(qBlue(copy.pixel(20, 15)) > 240 && qRed(copy.pixel(20, 15)) > 100);
+    }
+
+    // Pictures of today's formats are converted two at a time: the record keeps the list's
+    // order whatever order the conversions end in, a junk file among them is named in its
+    // message and the others go on, and nothing half made is left in the working folder.
+    void convertedPicturesKeepTheListOrderAndAJunkOneIsNamed()
+    {
+        FrameFixture f;
+        f.frame().services().copyThreads = 2;
+        QString why;
+        // The largest first: it is still being converted when the ones behind it are done.
+        QVERIFY2(TodaysPictures::writeHeic(f.sourceFile(QStringLiteral("a.heic")), 1600, 1200,
+                                           &why),
+                 qPrintable(why));
+        QVERIFY(TodaysPictures::scene(160, 120).save(f.sourceFile(QStringLiteral("b.png"))));
+        QVERIFY(Fixtures::writeFile(f.sourceFile(QStringLiteral("c.heic")),
+                                    QByteArray("no picture in here").repeated(30)));
+        QVERIFY(TodaysPictures::scene(200, 150).save(f.sourceFile(QStringLiteral("d.webp")),
+                                                     "WEBP"));
+        QVERIFY(TodaysPictures::deepScene(100, 80).save(f.sourceFile(QStringLiteral("e.tif")),
+                                                        "TIFF"));
+        f.addPictures({QStringLiteral("f.jpg")});
+        const QStringList sources = {QStringLiteral("a.heic"), QStringLiteral("b.png"),
+                                     QStringLiteral("c.heic"), QStringLiteral("d.webp"),
+                                     QStringLiteral("e.tif"),  QStringLiteral("f.jpg")};
+        QCOMPARE(f.names(f.file2()), sources);
+        f.selectSource(sources);
+        f.click(QStringLiteral("CopyButton_0"));
+
+        QCOMPARE(f.ui().messages.size(), 1);
+        QVERIFY2(f.ui().messages[0].text.contains(QStringLiteral("\"c.heic\"")),
+                 qPrintable(f.ui().messages[0].text));
+        const QStringList listed = {QStringLiteral("00050_a.jpg"), QStringLiteral("00050_b.jpg"),
+                                    QStringLiteral("00050_d.jpg"), QStringLiteral("00050_e.jpg"),
+                                    QStringLiteral("00050_f.jpg")};
+        QCOMPARE(f.names(f.file3()), listed);
+        QCOMPARE(allFiles(f.workingFolder()), listed);
+        QCOMPARE(f.page().PhotoNumber, qint16(5));
+        const QStringList rows = {QStringLiteral("a.jpg"), QStringLiteral("b.jpg"),
+                                  QStringLiteral("d.jpg"), QStringLiteral("e.jpg"),
+                                  QStringLiteral("f.jpg")};
+        for (int i = 0; i < rows.size(); ++i) {
+            QCOMPARE(f.page().PhotoName[i], rows[i]);
+            QCOMPARE(f.page().PhotoOrder[i], QStringLiteral("00050"));
+        }
+        QCOMPARE(pictureSize(f.readyFile(QStringLiteral("00050_a.jpg"))), QSize(1600, 1200));
+        QCOMPARE(QImageReader(f.readyFile(QStringLiteral("00050_e.jpg"))).format(),
+                 QByteArray("jpeg"));
+        QVERIFY(!f.find<QPushButton>(QStringLiteral("CancelCopy"))->isVisible());
+    }
+
+    // Two sources that give the same entry ("p.png" and "p.webp" both give "p.jpg") are not
+    // written over each other while both are being converted: the second asks for a group.
+    void twoSourcesOfOneEntryInOneRunAskForAGroup()
+    {
+        FrameFixture f;
+        f.frame().services().copyThreads = 2;
+        QVERIFY(TodaysPictures::scene(320, 240).save(f.sourceFile(QStringLiteral("p.png"))));
+        QVERIFY(TodaysPictures::scene(160, 120).save(f.sourceFile(QStringLiteral("p.webp")),
+                                                     "WEBP"));
+        f.frame().readyToSend()->refreshSource();
+        f.inputAnswers.enqueue(QStringLiteral("51"));
+        f.selectSource({QStringLiteral("p.png"), QStringLiteral("p.webp")});
+        f.click(QStringLiteral("CopyButton_0"));
+        QCOMPARE(f.inputQuestions.size(), 1);
+        QCOMPARE(f.names(f.file3()),
+                 (QStringList{QStringLiteral("00050_p.jpg"), QStringLiteral("00051_p.jpg")}));
+        QCOMPARE(pictureSize(f.readyFile(QStringLiteral("00050_p.jpg"))), QSize(320, 240));
+        QCOMPARE(pictureSize(f.readyFile(QStringLiteral("00051_p.jpg"))), QSize(160, 120));
+    }
+
+    // Cancel while pictures are being converted: the copy buttons are off meanwhile, the
+    // pictures under way are finished whole, those not begun stay selected, and a second press
+    // of Copy takes them up.
+    void cancelInTheMiddleLeavesTheRestSelectedAndNoHalfMadeCopy()
+    {
+        FrameFixture f;
+        f.frame().services().copyThreads = 2;
+        QStringList sources;
+        for (int i = 0; i < 8; ++i) {
+            const QString name = QStringLiteral("P%1.png").arg(i);
+            QVERIFY(TodaysPictures::scene(640, 480).save(f.sourceFile(name)));
+            sources.append(name);
+        }
+        f.frame().readyToSend()->refreshSource();
+        f.selectSource(sources);
+
+        // The user presses Cancel as soon as the first picture shows on the list.
+        bool pressed = false;
+        bool buttonsOff = false;
+        QObject watch;
+        QListWidget *file3 = f.file3();
+        connect(
+            file3->model(), &QAbstractItemModel::rowsInserted, &watch,
+            [&] {
+                if (pressed || file3->count() == 0)
+                    return;
+                pressed = true;
+                buttonsOff = !f.find<QPushButton>(QStringLiteral("CopyButton_0"))->isEnabled() &&
+                             f.find<QPushButton>(QStringLiteral("CancelCopy"))->isVisible();
+                f.click(QStringLiteral("CancelCopy"));
+            },
+            Qt::QueuedConnection);
+        f.click(QStringLiteral("CopyButton_0"));
+        QVERIFY(pressed);
+        QVERIFY(buttonsOff);
+
+        // The first picture and the one converted beside it (two at a time) are on the list,
+        // whole; the other six were not begun.
+        const QStringList listed = {QStringLiteral("00050_P0.jpg"), QStringLiteral("00050_P1.jpg")};
+        QCOMPARE(f.names(f.file3()), listed);
+        QCOMPARE(allFiles(f.workingFolder()), listed);
+        for (const QString &name : listed) {
+            QImageReader copy(f.readyFile(name));
+            QCOMPARE(copy.read().size(), QSize(640, 480));
+        }
+        QCOMPARE(f.page().PhotoNumber, qint16(2));
+        QCOMPARE(selectedNames(f.file2()), sources.mid(2));
+        QVERIFY(!f.find<QPushButton>(QStringLiteral("CancelCopy"))->isVisible());
+        QVERIFY(f.find<QPushButton>(QStringLiteral("CopyButton_0"))->isEnabled());
+        QVERIFY(f.ui().messages.isEmpty());
+
+        // Copy again: the rest follow in order.
+        pressed = true; // no second Cancel
+        f.click(QStringLiteral("CopyButton_0"));
+        QCOMPARE(f.names(f.file3()).size(), 8);
+        QCOMPARE(allFiles(f.workingFolder()).size(), 8);
+        QCOMPARE(f.page().PhotoNumber, qint16(8));
+        for (int i = 0; i < 8; ++i)
+            QCOMPARE(f.page().PhotoName[i], QStringLiteral("P%1.jpg").arg(i));
     }
 
     void cancelInTheGroupQuestionOverwritesAndAddsASecondRow()

@@ -30,6 +30,10 @@ struct PhotoFrameServices
     // Opens a picture in the paint window ("" for an empty picture); unset: "Paint" does nothing.
     std::function<void(const QString &path)> openPaint;
 
+    // Pictures converted onto the Ready to Send list at once (HEIC, WebP, PNG, TIFF to JPEG);
+    // 0: one per processor core, within the sizing memory budget.
+    int copyThreads = 0;
+
     // False keeps "Print List" off the system's printers: it always goes to a PDF file.
     bool usePrinter = true;
     // Where "Print List" goes when no printer is installed: a PDF file the user chooses

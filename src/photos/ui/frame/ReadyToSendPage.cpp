@@ -175,6 +175,21 @@ QWidget *ReadyToSendPage::buildCopyColumn()
     groupRow->addStretch(1);
     copyLayout->addLayout(groupRow);
 
+    // Shown while a copy runs: how far it is, and its Cancel.
+    m_copyProgress = new QLabel(copyBox);
+    m_copyProgress->setObjectName(QStringLiteral("CopyProgress"));
+    m_cancelCopy =
+        makeButton(QStringLiteral("CancelCopy"), QStringLiteral("Cancel"), copyBox);
+    m_cancelCopy->setToolTip(QStringLiteral("Stop copying: the pictures not yet begun stay "
+                                            "selected"));
+    connect(m_cancelCopy, &QPushButton::clicked, this, &ReadyToSendPage::CancelCopy_Click);
+    auto *progressRow = new QHBoxLayout;
+    progressRow->addWidget(m_copyProgress, 1);
+    progressRow->addWidget(m_cancelCopy);
+    copyLayout->addLayout(progressRow);
+    m_copyProgress->hide();
+    m_cancelCopy->hide();
+
     m_currentImage = new QLabel(column);
     m_currentImage->setObjectName(QStringLiteral("CurrentImage"));
     m_currentImage->setAlignment(Qt::AlignCenter);
@@ -336,7 +351,7 @@ void ReadyToSendPage::updateSelectionButtons()
 {
     const bool source = !m_file2->selectedItems().isEmpty();
     for (QPushButton *button : m_copyButtons)
-        button->setEnabled(source);
+        button->setEnabled(source && !m_copying);
     m_editButtons[5]->setEnabled(source);
     m_editButtons[4]->setEnabled(!m_file3->selectedItems().isEmpty());
     const bool any = m_file3->count() > 0;

@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include <array>
+#include <deque>
 
 class QAbstractButton;
 class QBoxLayout;
@@ -18,6 +19,7 @@ class QPagedPaintDevice;
 class QPlainTextEdit;
 class QPushButton;
 class QRadioButton;
+class ReadyListConversions;
 struct PhotoPage;
 
 // The "Select Images" tab of Send a Photo Page: the pictures of the source folder (File2), the
@@ -49,6 +51,11 @@ public:
     void CopyPhotoRight();
     void FromSelectAllButton_Click();
     void ChangeCopyPathButton_Click();
+    // CancelCopy: stops a copy under way. The pictures not yet begun stay selected in File2;
+    // those being converted are finished and stay on the list.
+    void CancelCopy_Click();
+    // A copy is under way (the copy buttons are off, CancelCopy shows).
+    bool copying() const { return m_copying; }
     void PreFix_LostFocus();
     void OrderPhotos_LostFocus();
 
@@ -103,7 +110,9 @@ private:
     QWidget *buildReadyColumn();
     QGroupBox *buildEditPanel();
     void copySelected(const QString &suffix);
-    bool copyOne(int row, const QString &suffix);
+    bool copyOne(int row, const QString &suffix, qint64 conversionBytes);
+    void finishOldestConversion();
+    void waitForTarget(const QString &target);
     bool askForFreeGroup(const QString &targetName);
     void selectAfter(int row);
     void showPreview(const QString &path);
@@ -113,6 +122,15 @@ private:
     void updateSelectionButtons();
     QString readyPath(const QString &name) const;
     QString sourcePath(const QString &name) const;
+
+    // A picture being converted onto the list: its row of the record and what names it there.
+    struct PendingCopy
+    {
+        int row = 0;
+        QString name;  // PhotoName
+        QString group; // PhotoOrder
+        QString plain; // its name in File2
+    };
 
     PhotoPage &m_page;
     PhotoFrameServices &m_services;
@@ -124,6 +142,10 @@ private:
     int m_editRow = 0;
     bool m_settingText = false;
     bool m_orderBusy = false;
+    bool m_copying = false;
+    bool m_copyCancelled = false;
+    ReadyListConversions *m_conversions = nullptr; // during a copy
+    std::deque<PendingCopy> m_pendingCopies;        // in the order they were started
 
     QListWidget *m_file2 = nullptr;
     QListWidget *m_file3 = nullptr;
@@ -132,6 +154,8 @@ private:
     std::array<QPushButton *, 3> m_copyButtons{};
     std::array<QPushButton *, 8> m_editButtons{};
     QLineEdit *m_preFix = nullptr;
+    QLabel *m_copyProgress = nullptr;
+    QPushButton *m_cancelCopy = nullptr;
     QLabel *m_currentImage = nullptr;
     QLabel *m_readyCount = nullptr;
     QGroupBox *m_editFrame = nullptr;

@@ -8,14 +8,17 @@
 #include "History.h"
 #include "PhotoPage.h"
 #include "PictureSizing.h"
+#include "ReadyListConversions.h"
 #include "Settings.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPushButton>
 
 namespace {
 
@@ -56,6 +59,24 @@ void ReadyToSendPage::FromSelectAllButton_Click()
 
 void ReadyToSendPage::copySelected(const QString &suffix)
 {
+    if (m_copying)
+        return; // one copy at a time
+    int total = 0;
+    for (int i = 0; i < m_file2->count(); ++i)
+        total += m_file2->item(i)->isSelected() ? 1 : 0;
+
+    // Pictures of today's formats are converted on worker threads while the walk goes on down
+    // the list; the record's rows are written in the list's order as the walk passes them.
+    ReadyListConversions conversions(m_services.copyThreads);
+    m_conversions = &conversions;
+    m_copying = true;
+    m_copyCancelled = false;
+    m_copyProgress->show();
+    m_cancelCopy->show();
+    m_cancelCopy->setEnabled(true);
+    updateSelectionButtons();
+
+    int walked = 0;
     int lastCopied = -1;
     QString lastMade;
     for (int i = 0; i < m_file2->count(); ++i) {
@@ -63,11 +84,29 @@ void ReadyToSendPage::copySelected(const QString &suffix)
             continue;
         const QString plain = m_file2->item(i)->text();
         const QString made = suffix.isEmpty() ? ReadyListName(plain) : AddSuffix(plain, suffix);
-        if (!copyOne(i, suffix))
+        qint64 bytes = 0;
+        if (suffix.isEmpty() && IsConvertedSource(plain)) {
+            // Room first: a Cancel while the walk waits for it leaves this picture not begun.
+            bytes = ReadyListConversions::ConversionBytes(sourcePath(plain));
+            while (!conversions.hasRoom(bytes) && !m_copyCancelled)
+                finishOldestConversion();
+        }
+        if (m_copyCancelled || i >= m_file2->count())
+            break;
+        m_copyProgress->setText(QStringLiteral("Copying %1 of %2").arg(++walked).arg(total));
+        if (!copyOne(i, suffix, bytes))
             break;
         lastCopied = i;
         lastMade = made;
     }
+    m_cancelCopy->setEnabled(false);
+    m_copyProgress->setText(QStringLiteral("Finishing the pictures under way"));
+    while (conversions.pending() > 0)
+        finishOldestConversion();
+    m_conversions = nullptr;
+    m_copying = false;
+    m_copyProgress->hide();
+    m_cancelCopy->hide();
     refreshReady();
 
     // Select the picture behind the last one copied, so that repeated clicks run down the list;
@@ -84,8 +123,51 @@ void ReadyToSendPage::copySelected(const QString &suffix)
     }
 }
 
+void ReadyToSendPage::CancelCopy_Click()
+{
+    if (m_copying)
+        m_copyCancelled = true;
+}
+
+// Takes back the oldest conversion under way: a picture that could not be converted gives its
+// row of the record back and a message naming it; the run goes on.
+void ReadyToSendPage::finishOldestConversion()
+{
+    const ReadyListConversions::Done done = m_conversions->takeOldest();
+    const PendingCopy copy = m_pendingCopies.front();
+    m_pendingCopies.pop_front();
+    if (!done.message.isEmpty()) {
+        int row = copy.row;
+        if (row >= m_page.PhotoNumber || m_page.PhotoName[row] != copy.name ||
+            m_page.PhotoOrder[row] != copy.group)
+            row = FindPhoto(m_page, copy.name, copy.group); // the record changed meanwhile
+        if (PhotoPage::isRow(row) && RemovePhoto(m_page, row)) {
+            for (PendingCopy &later : m_pendingCopies) {
+                if (later.row > row)
+                    --later.row;
+            }
+        }
+        refreshReady();
+        m_services.ui->Message(QStringLiteral("The picture \"%1\" could not be put on the "
+                                              "Ready to Send list: %2")
+                                   .arg(copy.plain, done.message),
+                               Tarnwick, JobUi::Buttons::Ok, JobUi::Icon::Warning);
+    } else {
+        refreshReady();
+        emit stepReached(3);
+    }
+    QCoreApplication::processEvents();
+}
+
+// A copy that writes target waits for a conversion that is writing it already.
+void ReadyToSendPage::waitForTarget(const QString &target)
+{
+    while (m_conversions && m_conversions->writes(target))
+        finishOldestConversion();
+}
+
 // One selected row of File2 onto the list. Returns false when the run must stop.
-bool ReadyToSendPage::copyOne(int row, const QString &suffix)
+bool ReadyToSendPage::copyOne(int row, const QString &suffix, qint64 conversionBytes)
 {
     QCoreApplication::processEvents();
     refreshReady();
@@ -98,9 +180,13 @@ bool ReadyToSendPage::copyOne(int row, const QString &suffix)
     const QString plain = m_file2->item(row)->text();
     // A picture of today's formats goes onto the list as a JPEG named after it.
     const QString name = suffix.isEmpty() ? ReadyListName(plain) : AddSuffix(plain, suffix);
-    if (QFileInfo::exists(readyPath(FormatGroup(m_preFix->text()) + QLatin1Char('_') + name)))
+    const QString wanted = readyPath(FormatGroup(m_preFix->text()) + QLatin1Char('_') + name);
+    if (QFileInfo::exists(wanted) || (m_conversions && m_conversions->writes(wanted)))
         askForFreeGroup(name);
     const QString group = FormatGroup(m_preFix->text());
+    const QString target = readyPath(group + QLatin1Char('_') + name);
+    // Before the row is written: a conversion that ends here may give its row back.
+    waitForTarget(target);
 
     const int n = m_page.PhotoNumber;
     if (PhotoPage::isRow(n)) {
@@ -120,20 +206,14 @@ bool ReadyToSendPage::copyOne(int row, const QString &suffix)
     }
     ++m_page.PhotoNumber;
 
-    const QString target = readyPath(group + QLatin1Char('_') + name);
     if (suffix.isEmpty() && IsConvertedSource(plain)) {
-        const QString failure = CopyToReadyListLive(sourcePath(plain), target);
-        if (!failure.isEmpty()) {
-            // The picture can't be read: the row goes again, and the rest of the run goes on.
-            if (PhotoPage::isRow(n))
-                RemovePhoto(m_page, n);
-            m_services.ui->Message(QStringLiteral("The picture \"%1\" could not be put on the "
-                                                  "Ready to Send list: %2")
-                                       .arg(plain, failure),
-                                   Tarnwick, JobUi::Buttons::Ok, JobUi::Icon::Warning);
-            return true;
-        }
-    } else if (suffix.isEmpty()) {
+        // Converted on a worker thread; finishOldestConversion takes it back in the list's order
+        // (a picture that can't be read gives its row back then, and the run goes on).
+        m_pendingCopies.push_back(PendingCopy{n, name, group, plain});
+        m_conversions->start(sourcePath(plain), target, conversionBytes);
+        return true;
+    }
+    if (suffix.isEmpty()) {
         if (!replaceFile(sourcePath(plain), target)) {
             m_services.ui->Message(QStringLiteral("The picture \"%1\" could not be copied to the "
                                                   "Ready to Send list (%2).")
