@@ -48,7 +48,8 @@ QString cut(const QString &text)
 QSet<QString> baseNames(const QString &folder, const QString &extension)
 {
     QSet<QString> names;
-    const QStringList entries = QDir(folder).entryList(QDir::Files | QDir::NoDotAndDotDot);
+    const QStringList entries =
+        QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot);
     for (const QString &entry : entries) {
         if (entry.size() > extension.size() && entry.endsWith(extension, Qt::CaseInsensitive))
             names.insert(entry.left(entry.size() - extension.size()).toLower());
@@ -217,7 +218,8 @@ ImportPlan PlanBookmarkImport(const BookmarkFileResult &file, const QString &sta
     QHash<QString, QString> existing;
     {
         const QStringList entries =
-            QDir(startupFolder).entryList(QDir::Files | QDir::NoDotAndDotDot, QDir::Name);
+            QDir(startupFolder)
+                .entryList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
         for (const QString &entry : entries) {
             if (entry.size() > 4 && entry.endsWith(QLatin1String(".Cat"), Qt::CaseInsensitive)) {
                 const QString name = entry.left(entry.size() - 4);

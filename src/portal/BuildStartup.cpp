@@ -14,11 +14,13 @@ namespace BuildStartup {
 
 namespace {
 
+// Names starting with a dot are listed too: a link or Category a user named ".net news" is a
+// hidden file here, and must not vanish from the lists.
 QStringList filesEndingIn(const QString &folder, const QString &extension)
 {
     QStringList names;
     const QStringList entries =
-        QDir(folder).entryList(QDir::Files | QDir::NoDotAndDotDot, QDir::NoSort);
+        QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot, QDir::NoSort);
     for (const QString &name : entries) {
         if (name.size() > extension.size() && name.endsWith(extension, Qt::CaseInsensitive))
             names.append(name);

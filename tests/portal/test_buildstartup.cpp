@@ -161,6 +161,17 @@ private slots:
         QCOMPARE(PageLinkFiles(startup("beta")), (QStringList{"A.ptr", "b.ptr"}));
     }
 
+    void namesStartingWithADotStayInTheLists()
+    {
+        // A name may start with a dot; its file is then a hidden one here, and still listed.
+        QVERIFY(FileNameProblem("..net news").isEmpty());
+        QVERIFY(MakeCategory(".plan"));
+        QCOMPARE(CategoryFiles(), QStringList{".plan.Cat"});
+        QVERIFY(SavePageLink(PageLinkPath(CategoryFolder(".plan.Cat"), "..net news"),
+                             {"..net news", "http://n/", 2}));
+        QCOMPARE(PageLinkFiles(CategoryFolder(".plan.Cat")), QStringList{"..net news.ptr"});
+    }
+
     void aRecordCutShortGivesWhatItHolds()
     {
         const QString path = startup("News/Cut.ptr");
