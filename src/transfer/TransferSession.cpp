@@ -48,8 +48,14 @@ FtpConnection &TransferSession::For(const FtpAddress &address, const QString &us
 
 void TransferSession::Close()
 {
-    if (FtpConnection *connection = current(); connection && !connection->busy())
-        connection->close();
+    // A borrowed connection is its owner's to end: the session only stops using it.
+    if (m_lent) {
+        if (!m_lent->busy())
+            m_lent = nullptr;
+        return;
+    }
+    if (m_connection && !m_connection->busy())
+        m_connection->close();
 }
 
 void TransferSession::Cancel()

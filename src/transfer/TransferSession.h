@@ -26,7 +26,8 @@ public:
     FtpConnection &For(const FtpAddress &address, const QString &user, const QString &password);
     // A logged-in connection is kept.
     bool IsOpen() const { return current() && current()->isOpen(); }
-    // Ends the kept connection (QUIT while the server answers). Safe to call at any time.
+    // Ends the kept connection (QUIT while the server answers); a borrowed one is only given
+    // back, for its owner to end. Safe to call at any time.
     void Close();
     // Stops the request in flight, if any.
     void Cancel();
