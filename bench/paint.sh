@@ -4,6 +4,7 @@
 #
 #   bench/paint.sh [BUILD_DIR]
 #   ONLY="blur rotate17" bench/paint.sh    (some operations only)
+#   RUNS=5 bench/paint.sh                  (best of five instead of three)
 #
 # Both sides read the same PPM file and write a PPM file, in one process per operation, using
 # every core (Tarnwick's thread pool, ImageMagick's OpenMP). Each is run three times and the best
@@ -18,7 +19,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 source_dir=$(dirname "$here")
 build=${1:-$source_dir/build-bench}
 photo=/usr/share/backgrounds/mate/abstract/Elephants_5640x3172.jpg
-runs=3
+runs=${RUNS:-3}
 
 for tool in convert identify; do
     command -v "$tool" >/dev/null || { echo "missing $tool (apt-get install -y imagemagick)"; exit 2; }
