@@ -11,7 +11,8 @@
 #include <QLineEdit>
 
 WebSpace::WebSpace(frmMain &window, cFTP &ftp, JobUi *ui, TransferUi *progress)
-    : QObject(&window), m_window(window), m_ftp(ftp), m_ui(ui ? ui : &window.jobUi())
+    : QObject(&window), m_window(window), m_ftp(ftp), m_ftpAlive(&ftp),
+      m_ui(ui ? ui : &window.jobUi())
 {
     setObjectName(QStringLiteral("WebSpace"));
     if (!progress) {
@@ -30,7 +31,10 @@ WebSpace::WebSpace(frmMain &window, cFTP &ftp, JobUi *ui, TransferUi *progress)
 
 WebSpace::~WebSpace()
 {
-    m_ftp.TrustQuestion = nullptr;
+    // The question asks through this object: the session must not keep it. The session may
+    // have gone first (it is not the window's child).
+    if (m_ftpAlive)
+        m_ftpAlive->TrustQuestion = nullptr;
 }
 
 JobState &WebSpace::state() const

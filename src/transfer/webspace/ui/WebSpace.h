@@ -3,6 +3,7 @@
 #include "TransferSteps.h"
 
 #include <QObject>
+#include <QPointer>
 
 #include <memory>
 
@@ -48,6 +49,8 @@ public:
 private:
     frmMain &m_window;
     cFTP &m_ftp;
+    // Whether the session still stands when the web space goes (a window may outlive it).
+    QPointer<cFTP> m_ftpAlive;
     JobUi *m_ui;
     std::unique_ptr<DialogTransferUi> m_ownProgress;
     TransferUi *m_progress;
