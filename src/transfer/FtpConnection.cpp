@@ -390,9 +390,8 @@ void FtpConnection::noteSecurityProblem(const Result &result)
     }
 }
 
-FtpConnection::Result FtpConnection::performOnce(const Request &request, Outcome *outcome)
+void FtpConnection::beginRequest(const Request &request)
 {
-    *outcome = Outcome::Done;
     m_request = &request;
     m_replies.clear();
     m_reader.reset();
@@ -403,6 +402,12 @@ FtpConnection::Result FtpConnection::performOnce(const Request &request, Outcome
     m_controlSocketSeen = false;
     m_abort = false;
     m_check->reset();
+}
+
+FtpConnection::Result FtpConnection::performOnce(const Request &request, Outcome *outcome)
+{
+    *outcome = Outcome::Done;
+    beginRequest(request);
     m_check->trusted = CertificateTrust::Trusted(m_address.shown());
     const bool kept = m_alive;
 

@@ -213,6 +213,9 @@ private:
     };
 
     Result performOnce(const Request &request, Outcome *outcome);
+    // What every request starts from: no replies yet, no flags of the last request, a fresh
+    // certificate check.
+    void beginRequest(const Request &request);
     // SFTP: the same requests, carried out with the library's SFTP operations, with the
     // replies an FTP server would have given (see FtpConnection_Sftp.cpp).
     Result performSftp(const Request &request);

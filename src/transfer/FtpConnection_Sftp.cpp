@@ -83,16 +83,7 @@ QByteArray FtpConnection::sftpUrl(const QString &path, bool directory) const
 
 FtpConnection::Result FtpConnection::performSftp(const Request &request)
 {
-    m_request = &request;
-    m_replies.clear();
-    m_reader.reset();
-    m_passwordAsked = false;
-    m_openedSession = !m_alive;
-    m_unexpectedSession = false;
-    m_readStarted = false;
-    m_controlSocketSeen = false;
-    m_abort = false;
-    m_check->reset();
+    beginRequest(request);
     m_hostKey = HostKey();
 
     Result result;
